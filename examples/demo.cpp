@@ -1,0 +1,11 @@
+#include <qmxml/qmxml.h>
+
+#include <iostream>
+
+int main() {
+    using namespace QmXmlLib10;
+    CQmValidationException cause("inner");
+    CQmException outer("outer", cause);
+    std::cout << outer.GetFullMessage() << "\n";
+    return 0;
+}

@@ -1,0 +1,28 @@
+function(run)
+  execute_process(COMMAND ${ARGV} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE out)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "failed (${rc}): ${ARGV}\n${out}")
+  endif()
+  set(last_output "${out}" PARENT_SCOPE)
+endfunction()
+
+file(REMOVE_RECURSE ${PREFIX} ${CONSUMER_BUILD})
+run(${CMAKE_COMMAND} --install ${BINARY_DIR} --prefix ${PREFIX})
+set(flags "")
+if(SANITIZE)
+  set(flags "-fsanitize=address,undefined")
+endif()
+run(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE} -B ${CONSUMER_BUILD}
+    -DCMAKE_PREFIX_PATH=${PREFIX} -DCMAKE_CXX_COMPILER=${COMPILER}
+    -DCMAKE_CXX_FLAGS=${flags} -DCMAKE_EXE_LINKER_FLAGS=${flags})
+run(${CMAKE_COMMAND} --build ${CONSUMER_BUILD})
+run(${CONSUMER_BUILD}/consumer)
+if(NOT last_output MATCHES "outer")
+  message(FATAL_ERROR "unexpected consumer output: ${last_output}")
+endif()
+# The pkg-config file is installed and names the library.
+file(READ ${PREFIX}/lib/pkgconfig/qmxml.pc pc)
+if(NOT pc MATCHES "-lqmxml")
+  message(FATAL_ERROR "qmxml.pc lacks -lqmxml")
+endif()
+message(STATUS "consumer ran: ${last_output}")
