@@ -4,4 +4,21 @@
 #include "qmxml/core/enums.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/instance_monitor.h"
+#include "qmxml/core/object_base.h"
+#include "qmxml/core/serialization_context.h"
 #include "qmxml/core/smart_ptr.h"
+
+#include "qmxml/dom/namespace_alias_map.h"
+#include "qmxml/dom/xml_document.h"
+#include "qmxml/dom/xml_element.h"
+#include "qmxml/dom/xml_name_table.h"
+#include "qmxml/dom/xml_tree_builder.h"
+
+#include "qmxml/writer/xml_writer.h"
+
+#include "qmxml/collections/wildcards.h"
+#include "qmxml/collections/xml_collection.h"
+
+#include "qmxml/types/binary_data.h"
+
+#include "qmxml/fastinfoset/fast_infoset_context.h"

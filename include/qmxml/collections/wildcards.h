@@ -1,0 +1,81 @@
+// Wildcard classes: attributes (and, with the XML text support, elements)
+// whose names are not known to the metadata.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "qmxml/collections/xml_collection.h"
+
+namespace QmXmlLib10 {
+
+// One attribute of any name: local name, namespace and value.
+class CAttribute : public CXmlObjectBase {
+public:
+    CAttribute() = default;
+    CAttribute(const char* localName, const char* namespaceURI, const char* value);
+
+    const std::string& GetLocalName() const { return m_localName; }
+    const std::string& GetNamespaceURI() const { return m_namespaceURI; }
+    const std::string& GetValue() const { return m_value; }
+    void SetLocalName(const char* name) { m_localName = name ? name : ""; }
+    void SetNamespaceURI(const char* uri) { m_namespaceURI = uri ? uri : ""; }
+    void SetValue(const char* value) { m_value = value ? value : ""; }
+
+    std::string GetElementName() const override { return m_localName; }
+    std::string GetTargetNamespace() const override { return m_namespaceURI; }
+
+protected:
+    // An attribute writes itself as an attribute of the open element; the
+    // element name argument is not used.
+    void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
+                   bool asChoiceMember) const override;
+    void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const override;
+    // Attributes are read through their collection; this consumes nothing.
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
+                             bool isRoot) override;
+
+private:
+    std::string m_localName;
+    std::string m_namespaceURI;
+    std::string m_value;
+};
+
+// Attributes of any name whose namespaces pass a wildcard restriction
+// ("##any", "##other", "##local", "##targetNamespace" or URIs, space separated).
+class CAttributeCol : public CXmlCollection {
+public:
+    CAttributeCol(const char* name, const char* namespaceRestriction, const char* targetNamespace);
+
+    const std::string& GetNamespaceRestriction() const { return m_namespaceRestriction; }
+    const std::string& GetWildcardTargetNamespace() const { return m_targetNamespace; }
+
+    // Adding checks the attribute's namespace against the restriction and
+    // throws CQmInvalidNamespaceException when it does not pass.
+    void Add(CAttribute* attribute);
+    CSmartPtr<CAttribute> Add(const char* localName, const char* namespaceURI, const char* value);
+    CSmartPtr<CAttribute> GetItem(int index) const;
+    void InsertAt(int index, CAttribute* attribute);
+    // The first attribute with this local name and namespace, or null.
+    CSmartPtr<CAttribute> Find(const char* localName, const char* namespaceURI) const;
+
+    // Adds every attribute of the element that is data (not a namespace
+    // declaration, xsi:type or schema location, nor xsi:nil) and whose
+    // namespace passes the restriction.
+    void ReadAttributes(const CXmlElement* element, const CXmlSerializationContext& ctx);
+
+protected:
+    void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const override;
+    // Writes every attribute onto the open element.
+    void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
+                   bool asChoiceMember) const override;
+    // Reads the attributes of `parent`; returns `current` unconsumed.
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
+                             bool isRoot) override;
+
+private:
+    std::string m_namespaceRestriction;
+    std::string m_targetNamespace;
+};
+
+}  // namespace QmXmlLib10

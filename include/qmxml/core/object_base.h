@@ -1,0 +1,114 @@
+// The reference-counted root of every bound object, collection and wildcard.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+#include "qmxml/core/instance_monitor.h"
+#include "qmxml/core/smart_ptr.h"
+
+namespace QmXmlLib10 {
+
+class CXmlObjectBase;
+class CXmlCollectionBase;
+class CXmlSerializationContext;
+class CXmlElement;
+class CXmlWriter;
+
+// Receives the events a collection raises when its content changes.
+class IEventSink {
+public:
+    enum MsgType : int {
+        MsgType_CollectionChange = 0,          // cleared or replaced; data is null
+        MsgType_CollectionAdd = 1,             // about to be added; data is the item
+        MsgType_CollectionAddComplete = 2,     // has been added; data is the item
+        MsgType_CollectionRemove = 3,          // about to be removed; data is null
+        MsgType_CollectionRemoveComplete = 4,  // has been removed; data is null
+    };
+    virtual void OnEvent(CXmlObjectBase* source, MsgType type, void* data) = 0;
+
+protected:
+    virtual ~IEventSink() = default;
+};
+
+// Objects start with a count of 0, so the first CSmartPtr that takes one makes
+// it 1; the last Release deletes it. Copying copies content, never the count.
+class CXmlObjectBase : public IEventSink {
+public:
+    CXmlObjectBase() : m_monitor("CXmlObjectBase") {}
+    CXmlObjectBase(const CXmlObjectBase& other);
+    CXmlObjectBase& operator=(const CXmlObjectBase& other);
+    ~CXmlObjectBase() override;
+
+    // Thread-safe; both return the new count.
+    int AddRef() noexcept;
+    int Release() noexcept;
+
+    virtual CXmlObjectBase* GetBase() { return this; }
+    const CXmlObjectBase* GetBase() const { return this; }
+
+    // The name of the element the object is written as, and its namespace.
+    virtual std::string GetElementName() const = 0;
+    virtual std::string GetTargetNamespace() const = 0;
+
+    // True when the element's local name equals localName and, unless the
+    // context ignores namespaces, its namespace equals namespaceUri.
+    bool DoesElementNameMatch(const CXmlSerializationContext& ctx, const CXmlElement* element,
+                              const char* localName, const char* namespaceUri) const;
+
+    // Wildcard namespace test: the restriction is a space-separated list of
+    // "##any", "##other", "##local", "##targetNamespace" or URIs.
+    bool IsNamespaceValid(const char* ns, const char* restriction, const char* targetNamespace) const;
+    // As IsNamespaceValid, throwing CQmInvalidNamespaceException when it is false.
+    void TestNamespace(const char* ns, const char* restriction, const char* targetNamespace) const;
+
+protected:
+    void OnEvent(CXmlObjectBase* source, MsgType type, void* data) override;
+
+    virtual void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const;
+    virtual void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName,
+                           const CXmlSerializationContext& ctx, bool asChoiceMember) const = 0;
+    // Reads the object from current and returns the first child of parent it did not consume.
+    virtual CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current,
+                                     const CXmlSerializationContext& ctx, bool isRoot) = 0;
+
+    // Let classes unrelated by inheritance call each other's protected operations.
+    static void AttributesToXml_Int(const CXmlObjectBase* object, CXmlWriter* writer,
+                                    const CXmlSerializationContext& ctx);
+    static void ToXml_Int(const CXmlObjectBase* object, CXmlWriter* writer, bool isRoot,
+                          const char* elementName, const CXmlSerializationContext& ctx,
+                          bool asChoiceMember);
+    static CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* current,
+                                    const CXmlSerializationContext& ctx, bool isRoot);
+
+    // Collection events; the sink must not be null. The remove events pass
+    // null data when the index is -1.
+    static void FireOnCollectionChangeEvent(IEventSink* sink, CXmlCollectionBase* coll);
+    static void FireOnCollectionAddEvent(IEventSink* sink, CXmlCollectionBase* coll, void* item);
+    static void FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* coll, void* item);
+    static void FireOnCollectionRemoveEvent(IEventSink* sink, CXmlCollectionBase* coll, int index);
+    static void FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* coll, int index);
+
+    // Records the element name a substituted or differently named member is
+    // written under; empty until set.
+    void SetElementName(const char* name);
+    const std::string& GetRecordedElementName() const { return m_recordedElementName; }
+
+    static void Throw_IfPropertyIsNull(CXmlObjectBase* value, const char* propertyName);
+    static void Throw_IfElementNameDiffers(CXmlObjectBase* value, const char* requiredName);
+
+    // Choice bookkeeping: `selected` holds the name of the member currently set.
+    static void Choice_SetElementValid(bool valid, const char* propertyName, std::string& selected);
+    static void Choice_SelectElement(const char* propertyName, CXmlObjectBase* value, std::string& selected);
+    static void Choice_CollectionChanged(const char* propertyName, std::int32_t count, std::string& selected);
+    static void Choice_Read_Collection(CXmlCollectionBase* coll, CXmlElement* parent, CXmlElement*& current,
+                                       std::int32_t& count, const CXmlSerializationContext& ctx);
+
+private:
+    std::atomic<int> m_refCount{0};
+    CInstanceMonitor m_monitor;
+    std::string m_recordedElementName;
+};
+
+}  // namespace QmXmlLib10

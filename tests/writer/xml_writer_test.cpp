@@ -1,0 +1,80 @@
+#include <gtest/gtest.h>
+
+#include <qmxml/core/exception.h>
+#include <qmxml/writer/xml_writer.h>
+
+#include <string>
+#include <vector>
+
+using namespace QmXmlLib10;
+
+namespace {
+
+// Records calls and exposes the base's element contexts.
+class RecordingWriter : public CXmlWriter {
+public:
+    RecordingWriter() : CXmlWriter("RecordingWriter") {}
+    void StartDocument() override {}
+    void WriteComment(const char*) override {}
+    void WriteRawLine(const char*) override {}
+    void WriteRaw(const char*) override {}
+    void WriteText(const char*, ItemType) override {}
+    void WriteAttribute(const char* name, const char*, const char* value, ItemType) override {
+        attributes.push_back(std::string(name) + "=" + value);
+    }
+    void WriteTypeAttribute(const char*) override {}
+    void WriteNilAttribute() override {}
+    using CXmlWriter::GetCurrentContext;
+    std::vector<std::string> attributes;
+};
+
+}  // namespace
+
+TEST(XmlWriterBase, RootSettingsFreezeOnceTheRootStarts) {
+    RecordingWriter w;
+    w.StartDocument();
+    w.SetDefaultNamespace("urn:d");
+    w.AddNamespaceAlias("a", "urn:a");
+    w.AddNamespaceAlias("b", "urn:a");  // replaces the alias of urn:a
+    w.StartElement("root", "urn:d");
+    w.AddNamespaceAlias("c", "urn:c");
+    w.SetDefaultNamespace("urn:other");
+    EXPECT_EQ(w.GetDefaultNamespace(), "urn:d");
+    ASSERT_EQ(w.GetNamespaceAliases().size(), 1u);
+    EXPECT_EQ(w.GetNamespaceAliases().at("urn:a"), "b");
+
+    auto* root = w.GetCurrentContext();
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(root->m_depth, 0);
+    ASSERT_NE(root->FindPrefix("urn:a"), nullptr);
+    EXPECT_EQ(*root->FindPrefix("urn:a"), "b");
+    EXPECT_EQ(root->FindPrefix("urn:c"), nullptr);
+
+    w.StartElement("child", "urn:x");
+    auto* child = w.GetCurrentContext();
+    EXPECT_EQ(child->m_depth, 1);
+    EXPECT_EQ(root->m_childCount, 1);
+    child->AddNamespace("urn:x", "AA");
+    EXPECT_EQ(*child->FindPrefix("urn:a"), "b");  // inherited
+    w.EndElement();
+    w.StartElement("sibling", "urn:x");
+    EXPECT_EQ(w.GetCurrentContext()->FindPrefix("urn:x"), nullptr);  // a sibling declares again
+    EXPECT_EQ(root->m_childCount, 2);
+    w.EndElement();
+    w.EndElement();
+    EXPECT_NO_THROW(w.EndDocument());
+}
+
+TEST(XmlWriterBase, EndingTheDocumentWithAnOpenElementThrows) {
+    RecordingWriter w;
+    w.StartDocument();
+    w.StartElement("root", "");
+    w.StartElement("open", "");
+    try {
+        w.EndDocument();
+        FAIL() << "no exception";
+    } catch (const CQmException& e) {
+        EXPECT_EQ(e.GetMessage(), "An Element has not been closed.");
+    }
+    // Destroying a writer with open elements frees their contexts.
+}
