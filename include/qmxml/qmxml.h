@@ -6,6 +6,7 @@
 #include "qmxml/core/instance_monitor.h"
 #include "qmxml/core/object_base.h"
 #include "qmxml/core/serialization_context.h"
+#include "qmxml/core/settings.h"
 #include "qmxml/core/smart_ptr.h"
 
 #include "qmxml/dom/namespace_alias_map.h"
