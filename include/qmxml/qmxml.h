@@ -17,9 +17,12 @@
 
 #include "qmxml/writer/xml_writer.h"
 
+#include "qmxml/collections/element.h"
 #include "qmxml/collections/wildcards.h"
 #include "qmxml/collections/xml_collection.h"
 
 #include "qmxml/types/binary_data.h"
+#include "qmxml/types/conversions.h"
+#include "qmxml/types/whitespace.h"
 
 #include "qmxml/fastinfoset/fast_infoset_context.h"

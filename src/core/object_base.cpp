@@ -109,6 +109,10 @@ void CXmlObjectBase::FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlC
     sink->OnEvent(coll->GetBase(), MsgType_CollectionRemoveComplete, nullptr);
 }
 
+const std::string& CXmlObjectBase::GetContextDefaultNamespace(const CXmlSerializationContext& ctx) {
+    return ctx.GetDefaultNamespaceURI();
+}
+
 void CXmlObjectBase::SetElementName(const char* name) { m_recordedElementName = name ? name : ""; }
 
 void CXmlObjectBase::Throw_IfPropertyIsNull(CXmlObjectBase* value, const char* propertyName) {

@@ -87,6 +87,10 @@ public:
     // Throws CQmInvalidParamException for an index outside 0..count-1.
     virtual void Remove(int index);
 
+    // Read-only traversal in order: GetFirstNode(), then CNode::GetNext().
+    CNode* GetFirstNode() const { return m_first; }
+    CNode* GetLastNode() const { return m_last; }
+
 protected:
     CXmlCollection();
 
@@ -100,8 +104,6 @@ protected:
     void RemoveNode(CNode* node);
     CNode* GetNodeAtIndex(int index) const;
     CNode* GetNodeForItem(const CXmlObjectBase* item) const;
-    CNode* GetFirstNode() const { return m_first; }
-    CNode* GetLastNode() const { return m_last; }
 
     // A collection writes no attributes of its own.
     void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const override;

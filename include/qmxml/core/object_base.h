@@ -44,6 +44,9 @@ public:
     // Thread-safe; both return the new count.
     int AddRef() noexcept;
     int Release() noexcept;
+    // The current reference count; exact only while no other thread changes it
+    // (a count of 1 seen by the holder of that reference is exact).
+    int GetRefCount() const noexcept { return m_refCount.load(std::memory_order_acquire); }
 
     virtual CXmlObjectBase* GetBase() { return this; }
     const CXmlObjectBase* GetBase() const { return this; }
@@ -89,6 +92,9 @@ protected:
     static void FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* coll, void* item);
     static void FireOnCollectionRemoveEvent(IEventSink* sink, CXmlCollectionBase* coll, int index);
     static void FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* coll, int index);
+
+    // The namespace the context asks the root element to be written in.
+    static const std::string& GetContextDefaultNamespace(const CXmlSerializationContext& ctx);
 
     // Records the element name a substituted or differently named member is
     // written under; empty until set.
