@@ -4,37 +4,64 @@
 
 namespace QmXmlLib10 {
 
+namespace {
+const std::string kEmpty;
+}
+
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(CXmlWriterContext* parent, const char* localName,
                                                  const char* namespaceURI)
-    : CInstanceMonitor("CXmlWriterContext"),
-      m_depth(parent ? parent->m_depth + 1 : 0),
-      m_namespaceURI(namespaceURI ? namespaceURI : ""),
-      m_hasNamespace(namespaceURI != nullptr && *namespaceURI != '\0'),
-      m_localName(localName ? localName : ""),
-      m_parent(parent) {}
+    : CInstanceMonitor("CXmlWriterContext") {
+    Reset(parent, localName, namespaceURI);
+}
 
-const std::string* CXmlWriter::CXmlWriterContext::FindPrefix(const std::string& uri) const {
+void CXmlWriter::CXmlWriterContext::Reset(CXmlWriterContext* parent, const char* localName,
+                                          const char* namespaceURI) {
+    m_childCount = 0;
+    m_startTagOpen = true;
+    m_depth = parent ? parent->m_depth + 1 : 0;
+    m_namespaceURI.assign(namespaceURI ? namespaceURI : "");
+    m_hasNamespace = !m_namespaceURI.empty();
+    m_localName.assign(localName ? localName : "");
+    m_parent = parent;
+    m_inDefaultNamespace = parent ? parent->m_inDefaultNamespace : false;
+    m_prefix.clear();
+    m_namespaceCount = 0;
+}
+
+const std::string* CXmlWriter::CXmlWriterContext::FindPrefix(std::string_view uri) const {
     for (const CXmlWriterContext* c = this; c != nullptr; c = c->m_parent) {
-        auto it = c->m_namespaces.find(uri);
-        if (it != c->m_namespaces.end()) return &it->second;
+        for (std::size_t i = 0; i < c->m_namespaceCount; ++i) {
+            if (c->m_namespaces[i].uri == uri) return &c->m_namespaces[i].prefix;
+        }
     }
     return nullptr;
 }
 
-void CXmlWriter::CXmlWriterContext::AddNamespace(const std::string& uri, const std::string& prefix) {
-    m_namespaces[uri] = prefix;
+bool CXmlWriter::CXmlWriterContext::IsPrefixInScope(std::string_view prefix) const {
+    for (const CXmlWriterContext* c = this; c != nullptr; c = c->m_parent) {
+        for (std::size_t i = 0; i < c->m_namespaceCount; ++i) {
+            if (c->m_namespaces[i].prefix == prefix) return true;
+        }
+    }
+    return false;
+}
+
+void CXmlWriter::CXmlWriterContext::AddNamespace(std::string_view uri, std::string_view prefix) {
+    for (std::size_t i = 0; i < m_namespaceCount; ++i) {
+        if (m_namespaces[i].uri == uri) {
+            m_namespaces[i].prefix.assign(prefix);
+            return;
+        }
+    }
+    if (m_namespaceCount == m_namespaces.size()) m_namespaces.emplace_back();
+    Declaration& d = m_namespaces[m_namespaceCount++];
+    d.uri.assign(uri);
+    d.prefix.assign(prefix);
 }
 
 CXmlWriter::CXmlWriter(const char* className) : CInstanceMonitor(className) {}
 
-CXmlWriter::~CXmlWriter() {
-    // Contexts own their parents only through this chain: unwind it iteratively.
-    while (m_current) {
-        std::unique_ptr<CXmlWriterContext> parent(m_current->m_parent);
-        m_current->m_parent = nullptr;
-        m_current = std::move(parent);
-    }
-}
+CXmlWriter::~CXmlWriter() = default;
 
 void CXmlWriter::EndDocument() {
     if (m_current) throw CQmException("An Element has not been closed.");
@@ -49,21 +76,33 @@ void CXmlWriter::AddNamespaceAlias(const char* alias, const char* namespaceURI) 
 }
 
 void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
-    auto context = std::make_unique<CXmlWriterContext>(m_current.get(), localName, namespaceURI);
-    if (!m_current) {
-        for (const auto& [uri, alias] : m_namespaceAliases) context->AddNamespace(uri, alias);
+    CXmlWriterContext* parent = m_current;
+    if (m_openCount == m_contexts.size()) {
+        m_contexts.push_back(std::make_unique<CXmlWriterContext>(parent, localName, namespaceURI));
     } else {
-        ++m_current->m_childCount;
+        m_contexts[m_openCount]->Reset(parent, localName, namespaceURI);
     }
-    m_current.release();  // now owned through the new context's parent link
-    m_current = std::move(context);
+    CXmlWriterContext* context = m_contexts[m_openCount].get();
+    if (parent) {
+        ++parent->m_childCount;
+    } else {
+        context->m_inDefaultNamespace = !m_defaultNamespaceURI.empty();
+        for (const auto& [uri, alias] : m_namespaceAliases) {
+            if (!alias.empty() && uri != XmlNamespaceURI) context->AddNamespace(uri, alias);
+        }
+    }
+    ++m_openCount;
+    m_current = context;
 }
 
 void CXmlWriter::EndElement() {
     if (!m_current) throw CQmException("An Element has not been opened.");
-    std::unique_ptr<CXmlWriterContext> parent(m_current->m_parent);
-    m_current->m_parent = nullptr;
-    m_current = std::move(parent);
+    m_current = m_current->m_parent;
+    --m_openCount;
+}
+
+const std::string& CXmlWriter::GetDefaultNamespaceInScope(const CXmlWriterContext& context) const {
+    return context.m_inDefaultNamespace ? m_defaultNamespaceURI : kEmpty;
 }
 
 }  // namespace QmXmlLib10

@@ -1,10 +1,13 @@
 // The output interface shared by the XML text writer and the Fast Infoset writer.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "qmxml/core/enums.h"
 #include "qmxml/core/instance_monitor.h"
@@ -17,11 +20,20 @@ namespace QmXmlLib10 {
 // on the root and one CXmlWriterContext per open element.
 class CXmlWriter : public CInstanceMonitor {
 public:
+    static constexpr const char* XmlNamespaceURI = "http://www.w3.org/XML/1998/namespace";
+    static constexpr const char* XsiNamespaceURI = "http://www.w3.org/2001/XMLSchema-instance";
+
     // One per open element: its name and the namespace declarations in scope.
+    // The writer keeps ended contexts for reuse, so writing an element does not
+    // allocate once the strings have grown to size.
     class CXmlWriterContext : public CInstanceMonitor {
     public:
         CXmlWriterContext(CXmlWriterContext* parent, const char* localName, const char* namespaceURI);
+        // Makes this context a fresh one for a new element, keeping its storage.
+        void Reset(CXmlWriterContext* parent, const char* localName, const char* namespaceURI);
 
+        // Child elements written so far (the text writer also counts comments and
+        // raw text, which put the end tag on a line of its own).
         std::int32_t m_childCount = 0;
         bool m_startTagOpen = true;
         std::int32_t m_depth = 0;
@@ -29,17 +41,33 @@ public:
         bool m_hasNamespace = false;
         std::string m_localName;
         CXmlWriterContext* m_parent = nullptr;
+        // True while the writer's default namespace applies here: set on the root
+        // when there is one, inherited, and cleared below an element written with xmlns="".
+        bool m_inDefaultNamespace = false;
+        // The prefix the element's name was written with; empty when unprefixed.
+        std::string m_prefix;
 
         // The prefix bound to the URI in scope here; null when none is.
-        const std::string* FindPrefix(const std::string& uri) const;
+        const std::string* FindPrefix(std::string_view uri) const;
+        // True when the prefix is declared here or on an ancestor.
+        bool IsPrefixInScope(std::string_view prefix) const;
         // Records a declaration made on this element.
-        void AddNamespace(const std::string& uri, const std::string& prefix);
-        const std::map<std::string, std::string>& GetOwnNamespaces() const { return m_namespaces; }
+        void AddNamespace(std::string_view uri, std::string_view prefix);
+        // This element's own declarations, in the order they were made.
+        std::size_t GetOwnNamespaceCount() const { return m_namespaceCount; }
+        const std::string& GetOwnNamespaceURI(std::size_t i) const { return m_namespaces[i].uri; }
+        const std::string& GetOwnNamespacePrefix(std::size_t i) const { return m_namespaces[i].prefix; }
 
     private:
+        struct Declaration {
+            std::string uri;
+            std::string prefix;
+        };
         // Only this element's own declarations; lookups walk up the parents,
-        // which gives the same answers as a full copy per element without the copying.
-        std::map<std::string, std::string> m_namespaces;
+        // which gives the same answers as a full copy per element without the
+        // copying. Entries past m_namespaceCount are spare storage.
+        std::vector<Declaration> m_namespaces;
+        std::size_t m_namespaceCount = 0;
     };
 
     explicit CXmlWriter(const char* className);
@@ -56,10 +84,12 @@ public:
     virtual void WriteComment(const char* text) = 0;
     virtual void WriteRawLine(const char* text) = 0;
     virtual void WriteRaw(const char* text) = 0;
-    // Pushes a context for the new element.
+    // Pushes a context for the new element. The root's context starts with the
+    // alias map (except the XML namespace, whose prefix "xml" is never declared,
+    // and empty aliases) and is in the default namespace when one is set.
     virtual void StartElement(const char* localName, const char* namespaceURI);
     virtual void WriteText(const char* value, ItemType itemType = ItemType_string) = 0;
-    // Pops the innermost context.
+    // Pops the innermost context; throws "An Element has not been opened." when none is.
     virtual void EndElement();
     virtual void WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                                 ItemType itemType = ItemType_string) = 0;
@@ -71,12 +101,17 @@ public:
     const std::map<std::string, std::string>& GetNamespaceAliases() const { return m_namespaceAliases; }
 
 protected:
-    CXmlWriterContext* GetCurrentContext() const { return m_current.get(); }
+    CXmlWriterContext* GetCurrentContext() const { return m_current; }
+    // The default namespace in scope at the context: the writer's, or empty.
+    const std::string& GetDefaultNamespaceInScope(const CXmlWriterContext& context) const;
 
 private:
     std::string m_defaultNamespaceURI;
-    std::unique_ptr<CXmlWriterContext> m_current;
+    CXmlWriterContext* m_current = nullptr;
     std::map<std::string, std::string> m_namespaceAliases;
+    // Contexts by depth; the first m_openCount are open, the rest are kept for reuse.
+    std::vector<std::unique_ptr<CXmlWriterContext>> m_contexts;
+    std::size_t m_openCount = 0;
 };
 
 }  // namespace QmXmlLib10

@@ -1,0 +1,315 @@
+#include "qmxml/writer/text_writer.h"
+
+#include <array>
+#include <cstring>
+#include <string_view>
+
+#include "qmxml/core/exception.h"
+
+namespace QmXmlLib10 {
+
+namespace {
+
+// Characters the escaping loop must stop at; the terminating zero is one.
+struct SpecialTable {
+    std::array<bool, 256> text{};
+    std::array<bool, 256> attribute{};
+    constexpr SpecialTable() {
+        for (unsigned char c : {'\0', '&', '<', '>', '\n', '\r'}) {
+            text[c] = true;
+            attribute[c] = true;
+        }
+        attribute[static_cast<unsigned char>('"')] = true;
+    }
+};
+constexpr SpecialTable kSpecial;
+
+constexpr char kTabs[] = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+
+inline const char* OrEmpty(const char* s) { return s ? s : ""; }
+
+}  // namespace
+
+CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
+    : CXmlWriter("CXmlTextWriter"), m_stream(stream), m_buffer(stream.GetBuffer()) {}
+
+CXmlTextWriter::~CXmlTextWriter() = default;
+
+void CXmlTextWriter::StartDocument() { m_stream.Open(); }
+
+void CXmlTextWriter::EndDocument() {
+    m_stream.Close();
+    CXmlWriter::EndDocument();
+}
+
+void CXmlTextWriter::SetEOLType(EOLType type) {
+    switch (type) {
+        case EOLType_CRLF:
+            m_eol = "\r\n";
+            break;
+        case EOLType_LF:
+            m_eol = "\n";
+            break;
+        default:
+            throw CQmException("Invalid EOL type.");
+    }
+    m_eolType = type;
+}
+
+void CXmlTextWriter::WriteXmlDeclaration() {
+    static constexpr std::string_view start = "<?xml version=\"1.0\"";
+    Write(start.data(), start.size());
+    switch (m_stream.GetEncoding()) {
+        case XmlEncoding_UTF8:
+            m_buffer.Append(" encoding=\"UTF-8\"");
+            break;
+        case XmlEncoding_UTF16:
+            m_buffer.Append(" encoding=\"UTF-16\"");
+            break;
+        default:
+            break;
+    }
+    Write("?>", 2);
+    WriteEol();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteTabs(std::int32_t count) {
+    while (count > 0) {
+        const std::int32_t n = count < 16 ? count : 16;
+        Write(kTabs, static_cast<std::size_t>(n));
+        count -= n;
+    }
+}
+
+void CXmlTextWriter::WriteEscaped(const char* value, bool attribute) {
+    const bool* special = attribute ? kSpecial.attribute.data() : kSpecial.text.data();
+    const char* run = value;
+    const char* p = value;
+    for (;;) {
+        while (!special[static_cast<unsigned char>(*p)]) ++p;
+        if (p != run) Write(run, static_cast<std::size_t>(p - run));
+        switch (*p) {
+            case '\0':
+                return;
+            case '&':
+                Write("&amp;", 5);
+                break;
+            case '<':
+                Write("&lt;", 4);
+                break;
+            case '>':
+                Write("&gt;", 4);
+                break;
+            case '"':
+                Write("&quot;", 6);
+                break;
+            case '\n':
+                if (attribute) {
+                    Write("&#xA;", 5);
+                } else {
+                    WriteEol();
+                }
+                break;
+            default:  // '\r': line ends follow the writer's EOL type
+                break;
+        }
+        run = ++p;
+    }
+}
+
+void CXmlTextWriter::WriteNamespaceDeclaration(const std::string& prefix, const std::string& uri) {
+    Write(" xmlns:", 7);
+    Write(prefix);
+    Write("=\"", 2);
+    WriteEscaped(uri.c_str(), true);
+    m_buffer.Append('"');
+}
+
+CXmlWriter::CXmlWriterContext& CXmlTextWriter::RequireContext() const {
+    CXmlWriterContext* context = GetCurrentContext();
+    if (!context) throw CQmException("An Element has not been opened.");
+    return *context;
+}
+
+void CXmlTextWriter::CloseStartTag(bool asChild) {
+    CXmlWriterContext* context = GetCurrentContext();
+    if (!context) return;
+    if (asChild) ++context->m_childCount;
+    if (!context->m_startTagOpen) return;
+    m_buffer.Append('>');
+    if (asChild && m_formatted) WriteEol();
+    context->m_startTagOpen = false;
+}
+
+void CXmlTextWriter::AllocatePrefix(const CXmlWriterContext& context, std::string& prefix) const {
+    for (int n = 0; n < 26 * 26; ++n) {
+        const char candidate[2] = {static_cast<char>('A' + n / 26), static_cast<char>('A' + n % 26)};
+        if (!context.IsPrefixInScope(std::string_view(candidate, 2))) {
+            prefix.assign(candidate, 2);
+            return;
+        }
+    }
+    // Only reached with 676 prefixes in scope: go on with numbered ones.
+    for (unsigned n = 0;; ++n) {
+        prefix = "NS" + std::to_string(n);
+        if (!context.IsPrefixInScope(prefix)) return;
+    }
+}
+
+void CXmlTextWriter::StartElement(const char* localName, const char* namespaceURI) {
+    // The parent's start tag closes first; the base then counts the child.
+    if (CXmlWriterContext* parent = GetCurrentContext(); parent && parent->m_startTagOpen) {
+        m_buffer.Append('>');
+        if (m_formatted) WriteEol();
+        parent->m_startTagOpen = false;
+    }
+    CXmlWriter::StartElement(localName, namespaceURI);
+    CXmlWriterContext& context = *GetCurrentContext();
+    const CXmlWriterContext* parent = context.m_parent;
+    if (m_formatted) WriteTabs(context.m_depth);
+    m_buffer.Append('<');
+
+    const std::string& uri = context.m_namespaceURI;
+    bool declare = false;
+    bool undeclareDefault = false;
+    if (uri.empty()) {
+        undeclareDefault = context.m_inDefaultNamespace;
+        context.m_inDefaultNamespace = false;
+    } else if (context.m_inDefaultNamespace && uri == GetDefaultNamespace()) {
+        // unprefixed
+    } else if (parent && !parent->m_prefix.empty() && parent->m_namespaceURI == uri) {
+        context.m_prefix = parent->m_prefix;  // the common case: same namespace as the parent
+    } else if (uri == XmlNamespaceURI) {
+        context.m_prefix = "xml";
+    } else if (const std::string* prefix = context.FindPrefix(uri); prefix) {
+        context.m_prefix = *prefix;
+    } else {
+        AllocatePrefix(context, context.m_prefix);
+        context.AddNamespace(uri, context.m_prefix);
+        declare = true;
+    }
+    if (!context.m_prefix.empty()) {
+        Write(context.m_prefix);
+        m_buffer.Append(':');
+    }
+    Write(context.m_localName);
+    if (declare) WriteNamespaceDeclaration(context.m_prefix, uri);
+
+    if (!parent) {
+        // A root in no namespace cannot carry the default declaration without
+        // falling into that namespace itself, so it is left out then.
+        if (context.m_inDefaultNamespace) {
+            Write(" xmlns=\"", 8);
+            WriteEscaped(GetDefaultNamespace().c_str(), true);
+            m_buffer.Append('"');
+        }
+        // The alias declarations the base seeded, in alias-map order; the
+        // root's own allocated prefix (if any) came after them and is written.
+        const std::size_t aliases = context.GetOwnNamespaceCount() - (declare ? 1 : 0);
+        for (std::size_t i = 0; i < aliases; ++i) {
+            WriteNamespaceDeclaration(context.GetOwnNamespacePrefix(i), context.GetOwnNamespaceURI(i));
+        }
+    } else if (undeclareDefault) {
+        Write(" xmlns=\"\"", 9);
+    }
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
+                                    ItemType) {
+    CXmlWriterContext& context = RequireContext();
+    if (!context.m_startTagOpen) throw CQmException("Attributes must be added before elements");
+    m_buffer.Append(' ');
+    const std::string_view uri = OrEmpty(namespaceURI);
+    if (!uri.empty()) {
+        if (uri == XmlNamespaceURI) {
+            Write("xml:", 4);
+        } else {
+            const std::string* prefix = context.FindPrefix(uri);
+            if (!prefix) {
+                AllocatePrefix(context, m_newPrefix);
+                context.AddNamespace(uri, m_newPrefix);
+                Write("xmlns:", 6);
+                Write(m_newPrefix);
+                Write("=\"", 2);
+                WriteEscaped(namespaceURI, true);
+                Write("\" ", 2);
+                prefix = &m_newPrefix;
+            }
+            Write(*prefix);
+            m_buffer.Append(':');
+        }
+    }
+    m_buffer.Append(OrEmpty(localName));
+    Write("=\"", 2);
+    WriteEscaped(OrEmpty(value), true);
+    m_buffer.Append('"');
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteTypeAttribute(const char* typeName) { WriteAttribute("type", XsiNamespaceURI, typeName); }
+
+void CXmlTextWriter::WriteNilAttribute() { WriteAttribute("nil", XsiNamespaceURI, "true"); }
+
+void CXmlTextWriter::WriteText(const char* value, ItemType) {
+    if (!value || *value == '\0') return;
+    CXmlWriterContext& context = RequireContext();
+    if (context.m_startTagOpen) {
+        m_buffer.Append('>');
+        context.m_startTagOpen = false;
+    }
+    if (std::strncmp(value, "<![CDATA[", 9) == 0) {
+        m_buffer.Append(value);
+    } else {
+        WriteEscaped(value, false);
+    }
+    FlushIfFull();
+}
+
+void CXmlTextWriter::EndElement() {
+    CXmlWriterContext& context = RequireContext();
+    if (context.m_startTagOpen) {
+        Write("/>", 2);
+    } else {
+        if (m_formatted && context.m_childCount > 0) WriteTabs(context.m_depth);
+        Write("</", 2);
+        if (!context.m_prefix.empty()) {
+            Write(context.m_prefix);
+            m_buffer.Append(':');
+        }
+        Write(context.m_localName);
+        m_buffer.Append('>');
+    }
+    if (m_formatted) WriteEol();
+    CXmlWriter::EndElement();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteComment(const char* text) {
+    CloseStartTag(true);
+    Write("<!--", 4);
+    m_buffer.Append(OrEmpty(text));
+    Write("-->", 3);
+    WriteEol();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteRawLine(const char* text) {
+    CloseStartTag(true);
+    m_buffer.Append(OrEmpty(text));
+    WriteEol();
+    WriteEol();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteRaw(const char* text) {
+    CloseStartTag(true);
+    m_buffer.Append(' ');
+    WriteEol();
+    m_buffer.Append(OrEmpty(text));
+    WriteEol();
+    FlushIfFull();
+}
+
+}  // namespace QmXmlLib10

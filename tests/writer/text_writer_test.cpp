@@ -1,0 +1,380 @@
+#include <gtest/gtest.h>
+
+#include <qmxml/core/exception.h>
+#include <qmxml/writer/text_stream.h>
+#include <qmxml/writer/text_writer.h>
+
+#include <string>
+#include <vector>
+
+using namespace QmXmlLib10;
+
+namespace {
+
+const char* const kXsi = "http://www.w3.org/2001/XMLSchema-instance";
+const char* const kXml = "http://www.w3.org/XML/1998/namespace";
+
+template <typename F>
+std::string MessageOf(F&& f) {
+    try {
+        f();
+    } catch (const CQmException& e) {
+        return e.GetMessage();
+    }
+    return "no exception";
+}
+
+// A writer over an in-memory stream.
+struct Doc {
+    explicit Doc(XmlEncoding encoding = XmlEncoding_UTF8) : stream(encoding), w(stream) { w.StartDocument(); }
+    std::string Text() const { return stream.GetText(); }
+    CTextStream stream;
+    CXmlTextWriter w;
+};
+
+void WriteSample(CXmlTextWriter& w) {
+    w.WriteXmlDeclaration();
+    w.StartElement("root", "");
+    w.WriteAttribute("id", "", "1");
+    w.StartElement("a", "");
+    w.WriteText("x");
+    w.EndElement();
+    w.StartElement("empty", "");
+    w.EndElement();
+    w.StartElement("b", "");
+    w.StartElement("c", "");
+    w.WriteText("y");
+    w.EndElement();
+    w.EndElement();
+    w.EndElement();
+    w.EndDocument();
+}
+
+std::string Replace(std::string s, const std::string& from, const std::string& to) {
+    for (size_t at = s.find(from); at != std::string::npos; at = s.find(from, at + to.size())) {
+        s.replace(at, from.size(), to);
+    }
+    return s;
+}
+
+}  // namespace
+
+TEST(XmlTextWriter, Declaration) {
+    struct Case {
+        int encoding;
+        const char* text;
+    };
+    for (const Case& c : {Case{1, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"},
+                          Case{2, "<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"},
+                          Case{0, "<?xml version=\"1.0\"?>\n"}, Case{3, "<?xml version=\"1.0\"?>\n"}}) {
+        Doc d(static_cast<XmlEncoding>(c.encoding));
+        d.w.SetFormatted(false);  // the declaration always ends its line
+        d.w.WriteXmlDeclaration();
+        EXPECT_EQ(d.Text(), c.text) << c.encoding;
+    }
+    Doc crlf;
+    crlf.w.SetEOLType(EOLType_CRLF);
+    crlf.w.WriteXmlDeclaration();
+    EXPECT_EQ(crlf.Text(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n");
+}
+
+TEST(XmlTextWriter, FormattedUnformattedAndLineEnds) {
+    const std::string formatted =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<root id=\"1\">\n"
+        "\t<a>x</a>\n"
+        "\t<empty/>\n"
+        "\t<b>\n"
+        "\t\t<c>y</c>\n"
+        "\t</b>\n"
+        "</root>\n";
+    Doc d;
+    EXPECT_TRUE(d.w.GetFormatted());
+    EXPECT_EQ(d.w.GetEOLType(), EOLType_LF);
+    WriteSample(d.w);
+    EXPECT_EQ(d.Text(), formatted);
+
+    Doc crlf;
+    crlf.w.SetEOLType(EOLType_CRLF);
+    EXPECT_EQ(crlf.w.GetEOLType(), EOLType_CRLF);
+    WriteSample(crlf.w);
+    EXPECT_EQ(crlf.Text(), Replace(formatted, "\n", "\r\n"));
+
+    Doc flat;
+    flat.w.SetFormatted(false);
+    EXPECT_FALSE(flat.w.GetFormatted());
+    WriteSample(flat.w);
+    EXPECT_EQ(flat.Text(),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<root id=\"1\"><a>x</a><empty/><b><c>y</c></b></root>");
+
+    Doc bad;
+    EXPECT_EQ(MessageOf([&] { bad.w.SetEOLType(static_cast<EOLType>(2)); }), "Invalid EOL type.");
+    EXPECT_EQ(MessageOf([&] { bad.w.SetEOLType(static_cast<EOLType>(-1)); }), "Invalid EOL type.");
+    EXPECT_EQ(bad.w.GetEOLType(), EOLType_LF);
+}
+
+TEST(XmlTextWriter, Escaping) {
+    for (bool formatted : {true, false}) {
+        Doc d;
+        d.w.SetFormatted(formatted);
+        d.w.SetEOLType(EOLType_CRLF);
+        d.w.StartElement("e", "");
+        d.w.WriteAttribute("v", "", "q\"l\nt<g>a&p'\tc\r.");
+        d.w.WriteText("q\"l\r\nt<g>a&p'\tc\r.\n");
+        d.w.EndElement();
+        EXPECT_EQ(d.Text(), std::string("<e v=\"q&quot;l&#xA;t&lt;g&gt;a&amp;p'\tc.\">"
+                                        "q\"l\r\nt&lt;g&gt;a&amp;p'\tc.\r\n</e>") +
+                                (formatted ? "\r\n" : ""));
+    }
+    Doc lf;
+    lf.w.StartElement("e", "");
+    lf.w.WriteText("a\r\nb\n");
+    lf.w.EndElement();
+    EXPECT_EQ(lf.Text(), "<e>a\nb\n</e>\n");
+}
+
+TEST(XmlTextWriter, TextAndCData) {
+    Doc d;
+    d.w.StartElement("r", "");
+    d.w.StartElement("c", "");
+    d.w.WriteText("<![CDATA[a<b&c]]>");
+    d.w.EndElement();
+    d.w.StartElement("t", "");
+    d.w.WriteText(" <![CDATA[");  // not at the start: escaped
+    d.w.EndElement();
+    d.w.StartElement("n", "");
+    d.w.WriteText("");  // empty text leaves the start tag open
+    d.w.WriteText(nullptr);
+    d.w.WriteAttribute("a", "", "1");
+    d.w.EndElement();
+    d.w.EndElement();
+    EXPECT_EQ(d.Text(),
+              "<r>\n"
+              "\t<c><![CDATA[a<b&c]]></c>\n"
+              "\t<t> &lt;![CDATA[</t>\n"
+              "\t<n a=\"1\"/>\n"
+              "</r>\n");
+}
+
+TEST(XmlTextWriter, GeneratedPrefixesFollowScope) {
+    Doc d;
+    d.w.StartElement("r", "urn:r");
+    d.w.WriteAttribute("at", "urn:a", "v");
+    d.w.WriteAttribute("lang", kXml, "en");
+    d.w.WriteAttribute("again", "urn:a", "w");
+    d.w.StartElement("c", "urn:c");
+    d.w.EndElement();
+    d.w.StartElement("c", "urn:c");  // the sibling declares its prefix again
+    d.w.StartElement("d", "urn:r");
+    d.w.EndElement();
+    d.w.StartElement("e", "urn:x");
+    d.w.EndElement();
+    d.w.EndElement();
+    d.w.StartElement("f", "urn:x");  // AC went out of scope with the second c
+    d.w.StartElement("g", "urn:x");
+    d.w.WriteAttribute("h", "urn:x", "1");
+    d.w.EndElement();
+    d.w.EndElement();
+    d.w.StartElement("x", kXml);
+    d.w.EndElement();
+    d.w.EndElement();
+    d.w.EndDocument();
+    EXPECT_EQ(d.Text(),
+              "<AA:r xmlns:AA=\"urn:r\" xmlns:AB=\"urn:a\" AB:at=\"v\" xml:lang=\"en\" AB:again=\"w\">\n"
+              "\t<AC:c xmlns:AC=\"urn:c\"/>\n"
+              "\t<AC:c xmlns:AC=\"urn:c\">\n"
+              "\t\t<AA:d/>\n"
+              "\t\t<AD:e xmlns:AD=\"urn:x\"/>\n"
+              "\t</AC:c>\n"
+              "\t<AC:f xmlns:AC=\"urn:x\">\n"
+              "\t\t<AC:g AC:h=\"1\"/>\n"
+              "\t</AC:f>\n"
+              "\t<xml:x/>\n"
+              "</AA:r>\n");
+}
+
+TEST(XmlTextWriter, TwoSiblingsInAnUnaliasedNamespace) {
+    Doc d;
+    d.w.SetFormatted(false);
+    d.w.StartElement("r", "");
+    d.w.StartElement("s", "urn:s");
+    d.w.EndElement();
+    d.w.StartElement("s", "urn:s");
+    d.w.EndElement();
+    d.w.EndElement();
+    EXPECT_EQ(d.Text(), "<r><AA:s xmlns:AA=\"urn:s\"/><AA:s xmlns:AA=\"urn:s\"/></r>");
+}
+
+TEST(XmlTextWriter, RootDeclaresDefaultNamespaceAndAliases) {
+    Doc d;
+    d.w.SetDefaultNamespace("urn:d");
+    d.w.AddNamespaceAlias("q", "urn:q");
+    d.w.AddNamespaceAlias("p", "urn:p");
+    d.w.AddNamespaceAlias("x", kXml);  // "xml" is never declared nor replaced
+    d.w.AddNamespaceAlias("AA", "urn:aa");
+    d.w.StartElement("r", "urn:p");
+    d.w.AddNamespaceAlias("z", "urn:z");  // too late: ignored
+    d.w.WriteAttribute("lang", kXml, "en");
+    d.w.StartElement("c", "urn:d");
+    d.w.StartElement("k", "urn:q");
+    d.w.EndElement();
+    d.w.StartElement("z", "urn:z");
+    d.w.EndElement();
+    d.w.EndElement();
+    d.w.EndElement();
+    EXPECT_EQ(d.Text(),
+              "<p:r xmlns=\"urn:d\" xmlns:AA=\"urn:aa\" xmlns:p=\"urn:p\" xmlns:q=\"urn:q\" xml:lang=\"en\">\n"
+              "\t<c>\n"
+              "\t\t<q:k/>\n"
+              "\t\t<AB:z xmlns:AB=\"urn:z\"/>\n"
+              "\t</c>\n"
+              "</p:r>\n");
+
+    Doc empty;
+    empty.w.SetDefaultNamespace("urn:d");
+    empty.w.StartElement("r", "urn:d");
+    empty.w.EndElement();
+    EXPECT_EQ(empty.Text(), "<r xmlns=\"urn:d\"/>\n");
+}
+
+TEST(XmlTextWriter, NoNamespaceInsideTheDefaultNamespace) {
+    Doc d;
+    d.w.SetDefaultNamespace("urn:d");
+    d.w.StartElement("r", "urn:d");
+    d.w.StartElement("plain", "");
+    d.w.StartElement("inner", "");
+    d.w.EndElement();
+    d.w.StartElement("back", "urn:d");
+    d.w.EndElement();
+    d.w.EndElement();
+    d.w.StartElement("next", "urn:d");
+    d.w.EndElement();
+    d.w.EndElement();
+    EXPECT_EQ(d.Text(),
+              "<r xmlns=\"urn:d\">\n"
+              "\t<plain xmlns=\"\">\n"
+              "\t\t<inner/>\n"
+              "\t\t<AA:back xmlns:AA=\"urn:d\"/>\n"
+              "\t</plain>\n"
+              "\t<next/>\n"
+              "</r>\n");
+
+    // A root in no namespace keeps out of the default namespace.
+    Doc root;
+    root.w.SetDefaultNamespace("urn:d");
+    root.w.StartElement("r", "");
+    root.w.StartElement("c", "urn:d");
+    root.w.EndElement();
+    root.w.EndElement();
+    EXPECT_EQ(root.Text(), "<r>\n\t<AA:c xmlns:AA=\"urn:d\"/>\n</r>\n");
+}
+
+TEST(XmlTextWriter, XsiTypeAndNil) {
+    Doc d;
+    d.w.StartElement("r", "");
+    d.w.WriteTypeAttribute("T");
+    d.w.WriteNilAttribute();
+    d.w.EndElement();
+    EXPECT_EQ(d.Text(), std::string("<r xmlns:AA=\"") + kXsi + "\" AA:type=\"T\" AA:nil=\"true\"/>\n");
+
+    Doc aliased;
+    aliased.w.AddNamespaceAlias("xsi", kXsi);
+    aliased.w.StartElement("r", "");
+    aliased.w.WriteNilAttribute();
+    aliased.w.EndElement();
+    EXPECT_EQ(aliased.Text(), std::string("<r xmlns:xsi=\"") + kXsi + "\" xsi:nil=\"true\"/>\n");
+}
+
+TEST(XmlTextWriter, CommentsAndRawText) {
+    Doc d;
+    d.w.WriteXmlDeclaration();
+    d.w.WriteRawLine("<?xml-stylesheet href=\"s.xsl\"?>");
+    d.w.WriteComment("top & <raw>");
+    d.w.StartElement("r", "");
+    d.w.WriteRaw("<xs:schema/>");
+    d.w.StartElement("a", "");
+    d.w.WriteComment("in a");
+    d.w.EndElement();
+    d.w.EndElement();
+    EXPECT_EQ(d.Text(),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<?xml-stylesheet href=\"s.xsl\"?>\n\n"
+              "<!--top & <raw>-->\n"
+              "<r>\n"
+              " \n<xs:schema/>\n"
+              "\t<a>\n"
+              "<!--in a-->\n"
+              "\t</a>\n"
+              "</r>\n");
+
+    Doc flat;
+    flat.w.SetFormatted(false);
+    flat.w.StartElement("r", "");
+    flat.w.WriteComment("c");
+    flat.w.EndElement();
+    EXPECT_EQ(flat.Text(), "<r><!--c-->\n</r>");
+}
+
+TEST(XmlTextWriter, MisuseThrows) {
+    Doc afterText;
+    afterText.w.StartElement("r", "");
+    afterText.w.WriteText("t");
+    EXPECT_EQ(MessageOf([&] { afterText.w.WriteAttribute("a", "", "1"); }),
+              "Attributes must be added before elements");
+
+    Doc afterChild;
+    afterChild.w.StartElement("r", "");
+    afterChild.w.StartElement("c", "");
+    afterChild.w.EndElement();
+    EXPECT_EQ(MessageOf([&] { afterChild.w.WriteAttribute("a", "", "1"); }),
+              "Attributes must be added before elements");
+    EXPECT_EQ(MessageOf([&] { afterChild.w.EndDocument(); }), "An Element has not been closed.");
+    afterChild.w.EndElement();
+    EXPECT_EQ(MessageOf([&] { afterChild.w.EndElement(); }), "An Element has not been opened.");
+    EXPECT_EQ(MessageOf([&] { afterChild.w.WriteAttribute("a", "", "1"); }), "An Element has not been opened.");
+    EXPECT_EQ(afterChild.Text(), "<r>\n\t<c/>\n</r>\n");
+}
+
+namespace {
+// Records the length it is asked to flush at, then empties the buffer.
+class CountingStream : public CTextStream {
+public:
+    void Flush() override {
+        flushedAt.push_back(GetLength());
+        flushed += GetText();
+        GetBuffer().Reset();
+    }
+    std::vector<size_t> flushedAt;
+    std::string flushed;
+};
+}  // namespace
+
+TEST(XmlTextWriter, AsksForAFlushAt4096Characters) {
+    const std::string value(100, 'v');
+    auto write = [&](CXmlTextWriter& w) {
+        w.StartDocument();
+        w.StartElement("r", "");
+        for (int i = 0; i < 200; ++i) {
+            w.StartElement("e", "");
+            w.WriteAttribute("a", "", value.c_str());
+            w.WriteText(value.c_str());
+            w.EndElement();
+        }
+        w.EndElement();
+        w.EndDocument();
+    };
+    CTextStream memory;
+    CXmlTextWriter mw(memory);
+    write(mw);
+
+    CountingStream counting;
+    CXmlTextWriter cw(counting);
+    write(cw);
+    ASSERT_GE(counting.flushedAt.size(), 4u);
+    for (size_t at : counting.flushedAt) {
+        EXPECT_GE(at, 4096u);
+        EXPECT_LT(at, 4096u + value.size() + 10);  // asked right after crossing, not later
+    }
+    EXPECT_EQ(counting.flushed + counting.GetText(), memory.GetText());
+}
