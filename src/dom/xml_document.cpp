@@ -1,10 +1,225 @@
 #include "qmxml/dom/xml_document.h"
 
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include <zlib.h>
+
+#include "dom/expat_reader.h"
+#include "dom/xml_document_loading.h"
+#include "platform/file_reader.h"
+#include "qmxml/core/exception.h"
+#include "qmxml/core/serialization_context.h"
+#include "qmxml/core/settings.h"
+#include "qmxml/dom/xml_tree_builder.h"
+
 namespace QmXmlLib10 {
 
-CXmlDocument::CXmlDocument() : CInstanceMonitor("CXmlDocument") {}
+namespace {
+
+constexpr std::size_t kInflatePiece = 0x10000;
+constexpr std::size_t kFileChunk = 0x20000;
+// 15 window bits plus 32: zlib and gzip headers are both recognised.
+constexpr int kInflateWindowBits = 47;
+constexpr std::uint64_t kMaxInputLength = UINT32_MAX;
+
+std::uint32_t g_maxInflateRatio = 1000;
+std::uint64_t g_minInflateLimit = std::uint64_t{64} << 20;
+
+bool DeclineFastInfoset(CXmlDocument&, const unsigned char*, std::uint32_t, const CXmlSerializationContext&) {
+    return false;
+}
+
+FastInfosetLoader g_fastInfosetLoader = &DeclineFastInfoset;
+
+enum class Framing { None, Gzip, Zlib };
+
+Framing DetectFraming(const unsigned char* data, std::size_t length) {
+    if (length < 2) return Framing::None;
+    if (data[0] == 0x1f && data[1] == 0x8b) return Framing::Gzip;
+    // RFC 1950: deflate method, window of at most 32 KiB, header check multiple of 31.
+    if ((data[0] & 0x0f) == 8 && (data[0] >> 4) <= 7 && ((data[0] << 8) | data[1]) % 31 == 0)
+        return Framing::Zlib;
+    return Framing::None;
+}
+
+struct InflateStream {
+    z_stream stream{};
+    bool open = false;
+    ~InflateStream() {
+        if (open) inflateEnd(&stream);
+    }
+};
+
+// Inflates the whole input into out. False when the input is to be parsed as
+// it is (its first bytes only looked like a zlib header).
+bool Inflate(const unsigned char* data, std::size_t length, Framing framing, std::vector<unsigned char>& out) {
+    std::uint64_t limit = std::max<std::uint64_t>(
+        static_cast<std::uint64_t>(g_maxInflateRatio) * length, g_minInflateLimit);
+    limit = std::min(limit, kMaxInputLength);
+
+    // A gzip trailer states the inflated size (modulo 4 GiB): a good first guess.
+    std::size_t guess = length * 4;
+    if (framing == Framing::Gzip && length >= 18) {
+        const unsigned char* tail = data + length - 4;
+        guess = tail[0] | (tail[1] << 8) | (tail[2] << 16) | (static_cast<std::size_t>(tail[3]) << 24);
+    }
+    out.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(guess, limit)) + kInflatePiece);
+
+    InflateStream z;
+    if (inflateInit2(&z.stream, kInflateWindowBits) != Z_OK) throw std::bad_alloc();
+    z.open = true;
+    z.stream.next_in = const_cast<Bytef*>(data);
+    z.stream.avail_in = static_cast<uInt>(length);
+
+    int rc;
+    do {
+        const std::size_t used = out.size();
+        out.resize(used + kInflatePiece);
+        z.stream.next_out = out.data() + used;
+        z.stream.avail_out = static_cast<uInt>(kInflatePiece);
+        rc = inflate(&z.stream, Z_NO_FLUSH);
+        out.resize(used + kInflatePiece - z.stream.avail_out);
+        if (out.size() > limit)
+            throw CQmException(FormatString("The inflated data exceeds the limit of %llu bytes",
+                                            static_cast<unsigned long long>(limit)));
+    } while (rc == Z_OK);
+
+    if (rc == Z_STREAM_END) return true;
+    // Input used up without an error: a valid compressed prefix, cut short.
+    // After a gzip magic number nothing else is plausible either.
+    if ((rc == Z_BUF_ERROR && z.stream.avail_in == 0) || framing == Framing::Gzip)
+        throw CQmException("The compressed data is truncated or corrupt");
+    out.clear();
+    out.shrink_to_fit();
+    return false;
+}
+
+}  // namespace
+
+// --------------------------------------------------------- CXmlDocumentLoading
+
+void CXmlDocumentLoading::SetFastInfosetLoader(FastInfosetLoader loader) noexcept {
+    g_fastInfosetLoader = loader != nullptr ? loader : &DeclineFastInfoset;
+}
+
+FastInfosetLoader CXmlDocumentLoading::GetFastInfosetLoader() noexcept { return g_fastInfosetLoader; }
+
+// ---------------------------------------------------------------- CXmlDocument
+
+CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CXmlSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(const CXmlSerializationContext& context) : CXmlDocument(nullptr, context) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter)
+    : CXmlDocument(filter, CXmlSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter, const CXmlSerializationContext& context)
+    : CInstanceMonitor("CXmlDocument"),
+      m_schemaType(context.GetSchemaType()),
+      m_filter(filter),
+      m_context(&context) {}
 
 // The tree goes before the name table its nodes point into (member order).
 CXmlDocument::~CXmlDocument() = default;
+
+void CXmlDocument::Cleanup() {
+    CXmlTreeBuilder::Clear(*this);
+    m_namespaces.clear();
+}
+
+void CXmlDocument::SetMaxInflateRatio(std::uint32_t ratio) noexcept { g_maxInflateRatio = ratio; }
+std::uint32_t CXmlDocument::GetMaxInflateRatio() noexcept { return g_maxInflateRatio; }
+void CXmlDocument::SetMinInflateLimit(std::uint64_t bytes) noexcept { g_minInflateLimit = bytes; }
+std::uint64_t CXmlDocument::GetMinInflateLimit() noexcept { return g_minInflateLimit; }
+
+const std::string& CXmlDocument::LookupNamespaceFromAlias(const char* prefix) const {
+    const auto found = m_namespaces.find(prefix != nullptr ? prefix : "");
+    return found != m_namespaces.end() ? found->second : CXmlNameTable::EmptyString();
+}
+
+void CXmlDocument::ParseText(const unsigned char* data, std::size_t length) {
+    CExpatReader reader(*this, m_schemaType != SchemaType_NoNamespaces, !m_context->GetStripCDATA());
+    reader.ParseAll(reinterpret_cast<const char*>(data), length);
+}
+
+void CXmlDocument::LoadDetected(const unsigned char* data, std::size_t length) {
+    std::vector<unsigned char> inflated;
+    const Framing framing = DetectFraming(data, length);
+    if (framing != Framing::None && Inflate(data, length, framing, inflated)) {
+        data = inflated.data();
+        length = inflated.size();
+    }
+    if (g_fastInfosetLoader(*this, data, static_cast<std::uint32_t>(length), *m_context)) return;
+    ParseText(data, length);
+}
+
+void CXmlDocument::LoadXml(const char* xml) {
+    Cleanup();
+    const std::size_t length = xml != nullptr ? std::strlen(xml) : 0;
+    if (length == 0) throw CQmException("XML String is empty!");
+    if (length > kMaxInputLength) throw CQmInvalidParamException("XML String is too long");
+    // Parsed in place: Expat copies what it needs, piece by piece.
+    ParseText(reinterpret_cast<const unsigned char*>(xml), length);
+}
+
+void CXmlDocument::LoadXml(const unsigned short* xml) {
+    Cleanup();
+    std::size_t units = 0;
+    if (xml != nullptr)
+        while (xml[units] != 0) ++units;
+    if (units > (kMaxInputLength - 2) / 2) throw CQmInvalidParamException("XML String is too long");
+    // A byte-order mark, then the characters as UTF-16 little-endian.
+    std::vector<unsigned char> bytes(units * 2 + 2);
+    bytes[0] = 0xff;
+    bytes[1] = 0xfe;
+    for (std::size_t i = 0; i < units; ++i) {
+        bytes[2 + 2 * i] = static_cast<unsigned char>(xml[i] & 0xff);
+        bytes[3 + 2 * i] = static_cast<unsigned char>(xml[i] >> 8);
+    }
+    ParseText(bytes.data(), bytes.size());
+}
+
+void CXmlDocument::LoadXmlStream(unsigned char* const data, std::uint32_t length) {
+    Cleanup();
+    if (length == 0 || data == nullptr) throw CQmException("XML Stream is empty!");
+    // No copy: uncompressed input is parsed straight from the caller's bytes.
+    LoadDetected(data, length);
+}
+
+void CXmlDocument::Load(const char* fileName) {
+    Cleanup();
+    if (GetAsyncFromXmlFile()) {
+        LoadFileInChunks(fileName);
+        return;
+    }
+    std::size_t length = 0;
+    std::unique_ptr<unsigned char[]> contents;
+    {
+        platform::CFileReader file(fileName);
+        contents = file.ReadAll(length);
+    }  // closed before parsing
+    if (length == 0) throw CQmException("Invalid or empty XML document");
+    LoadDetected(contents.get(), length);
+}
+
+void CXmlDocument::LoadFileInChunks(const char* fileName) {
+    platform::CFileReader file(fileName);
+    std::unique_ptr<unsigned char[]> chunk(new unsigned char[kFileChunk]);
+    CExpatReader reader(*this, m_schemaType != SchemaType_NoNamespaces, !m_context->GetStripCDATA());
+    std::size_t total = 0;
+    for (;;) {
+        const std::size_t got = file.ReadChunk(chunk.get(), kFileChunk);
+        total += got;
+        // Expat reports an empty input as a parse error; an empty file is refused plainly.
+        if (total == 0) throw CQmException("Invalid or empty XML document");
+        // A short chunk is the last; after a full one, the final call may be empty.
+        const bool last = got < kFileChunk;
+        reader.Parse(reinterpret_cast<const char*>(chunk.get()), got, last);
+        if (last) break;
+    }
+    if (m_documentElement == nullptr) throw CQmException("Invalid or empty XML document");
+}
 
 }  // namespace QmXmlLib10

@@ -1,0 +1,216 @@
+// Loading speed and memory of CXmlDocument::LoadXmlStream against Expat alone.
+//
+// The input is an order book made by bench/gen_orders.py at start-up, about
+// QMXML_BENCH_MB megabytes (default 50; e.g. QMXML_BENCH_MB=2 for a quick run).
+// Two figures are printed after the Google Benchmark table:
+//  - throughput ratio: LoadXmlStream MB/s over the faster of Expat alone with
+//    namespace processing and no-op callbacks, fed in 128 KiB pieces or whole;
+//  - peak memory of one load above the input, as a multiple of the input size.
+//
+// Memory is measured as resident set size in a forked child: it clears the
+// peak counter (/proc/self/clear_refs), notes VmRSS with the input already
+// resident, loads, and reads VmHWM. This counts what the process really holds
+// (malloc headers, rounding and Expat's buffers included), which a malloc
+// counter would miss; the fork keeps pages freed by earlier runs out of it.
+#include <benchmark/benchmark.h>
+#include <expat.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <dlfcn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "qmxml/core/exception.h"
+#include "qmxml/dom/xml_document.h"
+
+using namespace QmXmlLib10;
+
+namespace {
+
+std::vector<unsigned char> g_input;
+double g_bestExpat = 0;  // seconds per pass
+double g_bestLoad = 0;
+
+void Record(double& best, double seconds) {
+    if (best == 0 || seconds < best) best = seconds;
+}
+
+// The benchmark build links the library only (Expat is its private
+// dependency), so Expat's entry points are looked up at run time; the
+// library has already loaded the same shared object.
+struct ExpatApi {
+    decltype(&XML_ParserCreateNS) parserCreateNS = nullptr;
+    decltype(&XML_SetElementHandler) setElementHandler = nullptr;
+    decltype(&XML_SetCharacterDataHandler) setCharacterDataHandler = nullptr;
+    decltype(&XML_Parse) parse = nullptr;
+    decltype(&XML_ParserFree) parserFree = nullptr;
+
+    bool Load() {
+        void* so = dlopen("libexpat.so.1", RTLD_NOW);
+        if (so == nullptr) return false;
+        parserCreateNS = reinterpret_cast<decltype(parserCreateNS)>(dlsym(so, "XML_ParserCreateNS"));
+        setElementHandler = reinterpret_cast<decltype(setElementHandler)>(dlsym(so, "XML_SetElementHandler"));
+        setCharacterDataHandler =
+            reinterpret_cast<decltype(setCharacterDataHandler)>(dlsym(so, "XML_SetCharacterDataHandler"));
+        parse = reinterpret_cast<decltype(parse)>(dlsym(so, "XML_Parse"));
+        parserFree = reinterpret_cast<decltype(parserFree)>(dlsym(so, "XML_ParserFree"));
+        return parserCreateNS && setElementHandler && setCharacterDataHandler && parse && parserFree;
+    }
+} g_expat;
+
+void XMLCALL NoStart(void*, const XML_Char*, const XML_Char**) {}
+void XMLCALL NoEnd(void*, const XML_Char*) {}
+void XMLCALL NoText(void*, const XML_Char*, int) {}
+
+bool ExpatAlone(const unsigned char* data, std::size_t length, std::size_t piece) {
+    XML_Parser parser = g_expat.parserCreateNS(nullptr, '|');
+    g_expat.setElementHandler(parser, &NoStart, &NoEnd);
+    g_expat.setCharacterDataHandler(parser, &NoText);
+    bool ok = true;
+    do {
+        const std::size_t n = length < piece ? length : piece;
+        ok = g_expat.parse(parser, reinterpret_cast<const char*>(data), static_cast<int>(n), n == length) ==
+             XML_STATUS_OK;
+        data += n;
+        length -= n;
+    } while (ok && length > 0);
+    g_expat.parserFree(parser);
+    return ok;
+}
+
+void BM_ExpatAlone(benchmark::State& state) {
+    const std::size_t piece = state.range(0) != 0 ? static_cast<std::size_t>(state.range(0)) : g_input.size();
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        if (!ExpatAlone(g_input.data(), g_input.size(), piece)) state.SkipWithError("Expat failed");
+        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        state.SetIterationTime(seconds);
+        Record(g_bestExpat, seconds);
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * g_input.size()));
+}
+BENCHMARK(BM_ExpatAlone)->Arg(0x20000)->Arg(0)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+void BM_LoadXmlStream(benchmark::State& state) {
+    for (auto _ : state) {
+        auto doc = std::make_unique<CXmlDocument>();
+        const auto start = std::chrono::steady_clock::now();
+        try {
+            doc->LoadXmlStream(g_input.data(), static_cast<std::uint32_t>(g_input.size()));
+        } catch (const CQmException& e) {
+            state.SkipWithError(e.what());
+        }
+        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        state.SetIterationTime(seconds);
+        Record(g_bestLoad, seconds);
+        doc.reset();  // not timed: the tree's teardown is not part of loading
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * g_input.size()));
+}
+BENCHMARK(BM_LoadXmlStream)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+long StatusKiB(const char* field) {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    const std::size_t n = std::strlen(field);
+    while (std::getline(status, line))
+        if (line.compare(0, n, field) == 0) return std::strtol(line.c_str() + n + 1, nullptr, 10);
+    return -1;
+}
+
+// Peak resident bytes of one load above what the process held before it.
+long long PeakLoadBytes() {
+    int fds[2];
+    if (pipe(fds) != 0) return -1;
+    const pid_t child = fork();
+    if (child == 0) {
+        close(fds[0]);
+        long long result = -1;
+        if (std::FILE* clear = std::fopen("/proc/self/clear_refs", "w")) {
+            std::fputs("5", clear);  // resets VmHWM to the current VmRSS
+            std::fclose(clear);
+            // Touch the input so that it is resident in this process too.
+            unsigned sum = 0;
+            for (std::size_t i = 0; i < g_input.size(); i += 4096) sum += g_input[i];
+            benchmark::DoNotOptimize(sum);
+            const long before = StatusKiB("VmRSS:");
+            CXmlDocument doc;
+            doc.LoadXmlStream(g_input.data(), static_cast<std::uint32_t>(g_input.size()));
+            result = (StatusKiB("VmHWM:") - before) * 1024LL;
+        }
+        if (write(fds[1], &result, sizeof result) != sizeof result) _exit(1);
+        _exit(0);
+    }
+    close(fds[1]);
+    long long result = -1;
+    if (read(fds[0], &result, sizeof result) != sizeof result) result = -1;
+    close(fds[0]);
+    waitpid(child, nullptr, 0);
+    return result;
+}
+
+std::string BenchDirectory() {
+    const std::string here = __FILE__;
+    const std::size_t slash = here.rfind('/');
+    return slash == std::string::npos ? std::string(".") : here.substr(0, slash);
+}
+
+bool MakeInput() {
+    const char* sizeText = std::getenv("QMXML_BENCH_MB");
+    const double megabytes = sizeText != nullptr ? std::atof(sizeText) : 50.0;
+    // gen_orders.py writes about 1086 bytes per order.
+    const long orders = static_cast<long>(megabytes * 1e6 / 1086) + 1;
+    char path[] = "/tmp/qmxml_orders_XXXXXX";
+    const int fd = mkstemp(path);
+    if (fd < 0) return false;
+    close(fd);
+    const std::string command = "python3 '" + BenchDirectory() + "/gen_orders.py' " + std::to_string(orders) +
+                                " '" + path + "'";
+    const bool ok = std::system(command.c_str()) == 0;
+    if (ok) {
+        std::ifstream in(path, std::ios::binary);
+        g_input.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
+    std::remove(path);
+    return ok && !g_input.empty();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (!g_expat.Load()) {
+        std::fprintf(stderr, "could not load libexpat.so.1\n");
+        return 1;
+    }
+    if (!MakeInput()) {
+        std::fprintf(stderr, "could not generate the order book\n");
+        return 1;
+    }
+    const long long peak = PeakLoadBytes();
+
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+
+    const double mb = g_input.size() / 1e6;
+    std::printf("\ninput: %.1f MB order book\n", mb);
+    if (g_bestExpat > 0 && g_bestLoad > 0) {
+        std::printf("Expat alone (best):    %8.1f MB/s\n", mb / g_bestExpat);
+        std::printf("LoadXmlStream (best):  %8.1f MB/s\n", mb / g_bestLoad);
+        std::printf("throughput ratio:      %8.2f (goal >= 0.70)\n", g_bestExpat / g_bestLoad);
+    }
+    if (peak >= 0)
+        std::printf("peak load memory:      %8.1f MB = %.2f x input (goal < 4)\n", peak / 1e6,
+                    static_cast<double>(peak) / g_input.size());
+    return 0;
+}

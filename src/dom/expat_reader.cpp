@@ -1,0 +1,252 @@
+#include "dom/expat_reader.h"
+
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <new>
+#include <string_view>
+
+#include "dom/xml_document_loading.h"
+#include "platform/charset.h"
+#include "qmxml/core/exception.h"
+#include "qmxml/dom/xml_document.h"
+#include "qmxml/dom/xml_tree_builder.h"
+
+namespace QmXmlLib10 {
+
+namespace {
+
+constexpr char kSeparator = '|';
+constexpr std::size_t kInitialCacheSlots = 64;
+
+}  // namespace
+
+CExpatReader::CExpatReader(CXmlDocument& document, bool namespaces, bool keepCDATA)
+    : CInstanceMonitor("CExpatReader"),
+      m_document(document),
+      m_parser(namespaces ? XML_ParserCreateNS(nullptr, kSeparator) : XML_ParserCreate(nullptr)),
+      m_namespaces(namespaces),
+      m_convert(!platform::LocalIsUtf8()),
+      m_filter(CXmlDocumentLoading::GetElementFilter(document)),
+      m_cache(kInitialCacheSlots) {
+    if (m_parser == nullptr) throw std::bad_alloc();
+    XML_SetUserData(m_parser, this);
+    XML_SetElementHandler(m_parser, &OnStartElement, &OnEndElement);
+    XML_SetCharacterDataHandler(m_parser, &OnCharacterData);
+    if (namespaces) XML_SetStartNamespaceDeclHandler(m_parser, &OnStartNamespace);
+    if (keepCDATA) XML_SetCdataSectionHandler(m_parser, &OnStartCData, &OnEndCData);
+}
+
+CExpatReader::~CExpatReader() { XML_ParserFree(m_parser); }
+
+void CExpatReader::Parse(const char* data, std::size_t length, bool isFinal) {
+    if (length > static_cast<std::size_t>(INT32_MAX)) throw CQmInvalidParamException("Input piece too large");
+    const XML_Status status = XML_Parse(m_parser, data, static_cast<int>(length), isFinal ? 1 : 0);
+    if (m_error) std::rethrow_exception(m_error);
+    if (status != XML_STATUS_OK) {
+        const XML_Error code = XML_GetErrorCode(m_parser);
+        const char* text = XML_ErrorString(code);
+        throw CQmException(FormatString("%s at line %d", text != nullptr ? text : "unknown error",
+                                        static_cast<int>(XML_GetCurrentLineNumber(m_parser))));
+    }
+}
+
+void CExpatReader::ParseAll(const char* data, std::size_t length) {
+    // Expat copies every piece into its own buffer before parsing it; whole
+    // input in one call would double the memory a large document needs.
+    do {
+        const std::size_t piece = length < kPieceSize ? length : kPieceSize;
+        Parse(data, piece, piece == length);
+        data += piece;
+        length -= piece;
+    } while (length > 0);
+}
+
+void CExpatReader::Fail() noexcept {
+    if (!m_error) m_error = std::current_exception();
+    XML_StopParser(m_parser, XML_FALSE);
+}
+
+void CExpatReader::ToLocal(const char* text, std::size_t length, std::string& out) const {
+    if (m_convert)
+        platform::Utf8ToLocal(text, length, out);
+    else
+        out.append(text, length);
+}
+
+// ------------------------------------------------------------------ names
+
+void CExpatReader::GrowCache() {
+    std::vector<CacheSlot> bigger(m_cache.size() * 2);
+    const std::size_t mask = bigger.size() - 1;
+    for (CacheSlot& slot : m_cache) {
+        if (slot.key.empty()) continue;
+        std::size_t i = slot.hash & mask;
+        while (!bigger[i].key.empty()) i = (i + 1) & mask;
+        bigger[i] = std::move(slot);
+    }
+    m_cache.swap(bigger);
+}
+
+CExpatReader::Names CExpatReader::Resolve(const char* name, std::size_t length) {
+    std::string_view uri;
+    std::string_view local(name, length);
+    if (m_namespaces) {
+        // Local names cannot hold the separator but URIs may, so split at the last one.
+        const std::size_t at = local.rfind(kSeparator);
+        if (at != std::string_view::npos) {
+            uri = local.substr(0, at);
+            local.remove_prefix(at + 1);
+        }
+    }
+    if (!m_convert) {
+        return Names{CXmlTreeBuilder::Intern(m_document, local), CXmlTreeBuilder::Intern(m_document, uri)};
+    }
+    m_scratch.clear();
+    platform::Utf8ToLocal(local.data(), local.size(), m_scratch);
+    const std::string* localName = CXmlTreeBuilder::Intern(m_document, m_scratch);
+    m_scratch.clear();
+    platform::Utf8ToLocal(uri.data(), uri.size(), m_scratch);
+    return Names{localName, CXmlTreeBuilder::Intern(m_document, m_scratch)};
+}
+
+CExpatReader::Names CExpatReader::Lookup(const char* name) {
+    const std::string_view key(name);
+    if (key.empty()) return Resolve(name, 0);
+    const std::size_t hash = std::hash<std::string_view>{}(key);
+    const std::size_t mask = m_cache.size() - 1;
+    std::size_t i = hash & mask;
+    while (!m_cache[i].key.empty()) {
+        if (m_cache[i].hash == hash && m_cache[i].key == key) return m_cache[i].names;
+        i = (i + 1) & mask;
+    }
+    const Names names = Resolve(name, key.size());
+    if ((m_cacheCount + 1) * 2 > m_cache.size()) {
+        GrowCache();
+        i = hash & (m_cache.size() - 1);
+        while (!m_cache[i].key.empty()) i = (i + 1) & (m_cache.size() - 1);
+    }
+    m_cache[i].hash = hash;
+    m_cache[i].key.assign(key.data(), key.size());
+    m_cache[i].names = names;
+    ++m_cacheCount;
+    return names;
+}
+
+// -------------------------------------------------------------- callbacks
+
+void CExpatReader::StartElement(const char* name, const char** attributes) {
+    const Names names = Lookup(name);
+    CXmlElement* element = m_open.empty() ? CXmlTreeBuilder::CreateDocumentElement(m_document)
+                                          : CXmlTreeBuilder::CreateChild(m_open.back());
+    CXmlTreeBuilder::SetName(element, names.localName, names.namespaceURI);
+    m_open.push_back(element);
+    m_textStart.push_back(m_pendingText.size());
+
+    for (const char** attribute = attributes; attribute[0] != nullptr; attribute += 2) {
+        const Names attributeNames = Lookup(attribute[0]);
+        std::string value;
+        ToLocal(attribute[1], std::strlen(attribute[1]), value);
+        CXmlTreeBuilder::AddAttribute(element, attributeNames.localName, std::move(value),
+                                      attributeNames.namespaceURI);
+    }
+}
+
+void CExpatReader::EndElement() {
+    if (m_open.empty()) return;
+    CXmlElement* element = m_open.back();
+    const std::size_t start = m_textStart.back();
+    if (m_pendingText.size() > start) {
+        CXmlTreeBuilder::AppendText(element, m_pendingText.data() + start, m_pendingText.size() - start);
+        m_pendingText.resize(start);
+    }
+    m_open.pop_back();
+    m_textStart.pop_back();
+    // The document element has no parent to be removed from.
+    if (m_filter != nullptr && !m_open.empty() && m_filter(element))
+        CXmlTreeBuilder::DeleteLastChild(m_open.back());
+}
+
+void CExpatReader::AppendText(const char* text, std::size_t length) {
+    if (m_open.empty()) return;
+    // Carriage returns are never stored, including those written as &#13;.
+    const char* end = text + length;
+    while (text < end) {
+        const char* cr = static_cast<const char*>(std::memchr(text, '\r', end - text));
+        const char* stop = cr != nullptr ? cr : end;
+        if (stop > text) ToLocal(text, stop - text, m_pendingText);
+        if (cr == nullptr) break;
+        text = cr + 1;
+    }
+}
+
+void CExpatReader::StartNamespace(const char* prefix, const char* uri) {
+    std::string localPrefix;
+    std::string localUri;
+    if (prefix != nullptr) ToLocal(prefix, std::strlen(prefix), localPrefix);
+    if (uri != nullptr) ToLocal(uri, std::strlen(uri), localUri);
+    CXmlDocumentLoading::DeclareNamespace(m_document, std::move(localPrefix), std::move(localUri));
+}
+
+void XMLCALL CExpatReader::OnStartElement(void* self, const XML_Char* name, const XML_Char** attributes) {
+    CExpatReader* reader = static_cast<CExpatReader*>(self);
+    if (reader->m_error) return;
+    try {
+        reader->StartElement(name, attributes);
+    } catch (...) {
+        reader->Fail();
+    }
+}
+
+void XMLCALL CExpatReader::OnEndElement(void* self, const XML_Char*) {
+    CExpatReader* reader = static_cast<CExpatReader*>(self);
+    if (reader->m_error) return;
+    try {
+        reader->EndElement();
+    } catch (...) {
+        reader->Fail();
+    }
+}
+
+void XMLCALL CExpatReader::OnCharacterData(void* self, const XML_Char* text, int length) {
+    CExpatReader* reader = static_cast<CExpatReader*>(self);
+    if (reader->m_error) return;
+    if (length <= 0) return;
+    try {
+        reader->AppendText(text, static_cast<std::size_t>(length));
+    } catch (...) {
+        reader->Fail();
+    }
+}
+
+void XMLCALL CExpatReader::OnStartCData(void* self) {
+    CExpatReader* reader = static_cast<CExpatReader*>(self);
+    if (reader->m_error) return;
+    try {
+        if (!reader->m_open.empty()) reader->m_pendingText.append("<![CDATA[");
+    } catch (...) {
+        reader->Fail();
+    }
+}
+
+void XMLCALL CExpatReader::OnEndCData(void* self) {
+    CExpatReader* reader = static_cast<CExpatReader*>(self);
+    if (reader->m_error) return;
+    try {
+        if (!reader->m_open.empty()) reader->m_pendingText.append("]]>");
+    } catch (...) {
+        reader->Fail();
+    }
+}
+
+void XMLCALL CExpatReader::OnStartNamespace(void* self, const XML_Char* prefix, const XML_Char* uri) {
+    CExpatReader* reader = static_cast<CExpatReader*>(self);
+    if (reader->m_error) return;
+    try {
+        reader->StartNamespace(prefix, uri);
+    } catch (...) {
+        reader->Fail();
+    }
+}
+
+}  // namespace QmXmlLib10

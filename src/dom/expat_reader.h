@@ -1,0 +1,85 @@
+// Builds a document's tree from XML text through Expat. Internal to the library.
+#pragma once
+
+#include <cstddef>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include <expat.h>
+
+#include "qmxml/core/instance_monitor.h"
+
+namespace QmXmlLib10 {
+
+class CXmlDocument;
+class CXmlElement;
+
+// Owns one Expat parser for one parse and turns its callbacks into tree
+// builder calls. Input may come whole (ParseAll) or piece by piece (Parse,
+// the last piece marked final).
+class CExpatReader : public CInstanceMonitor {
+public:
+    // namespaces: split names at Expat's '|' separator; keepCDATA: write the
+    // CDATA markers into the text.
+    CExpatReader(CXmlDocument& document, bool namespaces, bool keepCDATA);
+    virtual ~CExpatReader();
+    CExpatReader(const CExpatReader&) = delete;
+    CExpatReader& operator=(const CExpatReader&) = delete;
+
+    // Throws "<Expat's message> at line <n>", or what a callback threw.
+    void Parse(const char* data, std::size_t length, bool isFinal);
+    // The whole input, fed in pieces so that Expat's own copy stays small.
+    void ParseAll(const char* data, std::size_t length);
+
+    static constexpr std::size_t kPieceSize = 0x20000;
+
+private:
+    struct Names {
+        const std::string* localName;
+        const std::string* namespaceURI;
+    };
+    struct CacheSlot {
+        std::size_t hash = 0;
+        std::string key;  // Expat's name as given; empty: free slot
+        Names names{nullptr, nullptr};
+    };
+
+    static void XMLCALL OnStartElement(void* self, const XML_Char* name, const XML_Char** attributes);
+    static void XMLCALL OnEndElement(void* self, const XML_Char* name);
+    static void XMLCALL OnCharacterData(void* self, const XML_Char* text, int length);
+    static void XMLCALL OnStartCData(void* self);
+    static void XMLCALL OnEndCData(void* self);
+    static void XMLCALL OnStartNamespace(void* self, const XML_Char* prefix, const XML_Char* uri);
+
+    void StartElement(const char* name, const char** attributes);
+    void EndElement();
+    void AppendText(const char* text, std::size_t length);
+    void StartNamespace(const char* prefix, const char* uri);
+    // Splits, converts and interns a name, answering repeats from the cache.
+    Names Lookup(const char* name);
+    Names Resolve(const char* name, std::size_t length);
+    void GrowCache();
+    // Converted text, unchanged when the local encoding is UTF-8.
+    void ToLocal(const char* text, std::size_t length, std::string& out) const;
+    // Exceptions must not cross Expat's C frames: keep the first and stop.
+    void Fail() noexcept;
+
+    CXmlDocument& m_document;
+    XML_Parser m_parser;
+    bool m_namespaces;
+    bool m_convert;
+    bool (*m_filter)(CXmlElement*);
+    // Open elements, innermost last, and where each one's text starts in
+    // m_pendingText. Text is collected there and stored once per element when
+    // it ends, so that each element's string is allocated once at its size.
+    std::vector<CXmlElement*> m_open;
+    std::vector<std::size_t> m_textStart;
+    std::string m_pendingText;
+    std::vector<CacheSlot> m_cache;
+    std::size_t m_cacheCount = 0;
+    std::string m_scratch;
+    std::exception_ptr m_error;
+};
+
+}  // namespace QmXmlLib10

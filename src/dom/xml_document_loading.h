@@ -1,0 +1,43 @@
+// What the document loaders (the Expat reader and the Fast Infoset reader)
+// need from CXmlDocument beyond the tree builder. Internal to the library.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "qmxml/dom/xml_document.h"
+
+namespace QmXmlLib10 {
+
+class CXmlSerializationContext;
+
+// Loads a Fast Infoset document into document through CXmlTreeBuilder and
+// CXmlDocumentLoading. Returns false, having built nothing, when the bytes are
+// not Fast Infoset (they are then parsed as XML text); throws CQmException
+// when they are Fast Infoset but malformed.
+using FastInfosetLoader = bool (*)(CXmlDocument& document, const unsigned char* data,
+                                   std::uint32_t length, const CXmlSerializationContext& context);
+
+class CXmlDocumentLoading {
+public:
+    CXmlDocumentLoading() = delete;
+
+    // The loader offered every file and stream input after inflation. The
+    // default declines everything. Set once at library start-up.
+    static void SetFastInfosetLoader(FastInfosetLoader loader) noexcept;
+    static FastInfosetLoader GetFastInfosetLoader() noexcept;
+
+    // Records a namespace declaration document-wide; a later one for the same
+    // prefix replaces the earlier. An empty prefix is the default namespace.
+    static void DeclareNamespace(CXmlDocument& document, std::string prefix, std::string uri) {
+        document.m_namespaces[std::move(prefix)] = std::move(uri);
+    }
+    static CXmlDocument::ElementFilter GetElementFilter(const CXmlDocument& document) noexcept {
+        return document.m_filter;
+    }
+    // The schema type read from the context when the document was constructed.
+    static int GetSchemaType(const CXmlDocument& document) noexcept { return document.m_schemaType; }
+};
+
+}  // namespace QmXmlLib10

@@ -1,0 +1,465 @@
+#include "qmxml/dom/xml_document.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "dom/xml_document_loading.h"
+#include "qmxml/core/exception.h"
+#include "qmxml/core/serialization_context.h"
+#include "qmxml/core/settings.h"
+#include "qmxml/dom/xml_tree_builder.h"
+
+using namespace QmXmlLib10;
+
+namespace {
+
+std::vector<unsigned char> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
+
+// zlib framing with windowBits 15, gzip with 31.
+std::vector<unsigned char> Compress(const std::string& text, int windowBits) {
+    z_stream zs{};
+    EXPECT_EQ(deflateInit2(&zs, Z_BEST_COMPRESSION, Z_DEFLATED, windowBits, 8, Z_DEFAULT_STRATEGY), Z_OK);
+    std::vector<unsigned char> out(deflateBound(&zs, text.size()) + 64);
+    zs.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    zs.avail_in = static_cast<uInt>(text.size());
+    zs.next_out = out.data();
+    zs.avail_out = static_cast<uInt>(out.size());
+    EXPECT_EQ(deflate(&zs, Z_FINISH), Z_STREAM_END);
+    out.resize(zs.total_out);
+    deflateEnd(&zs);
+    return out;
+}
+
+template <typename Load>
+std::string ErrorOf(Load&& load) {
+    try {
+        load();
+    } catch (const CQmException& e) {
+        return e.GetMessage();
+    }
+    return "(no exception)";
+}
+
+std::string StreamError(CXmlDocument& doc, std::vector<unsigned char> bytes) {
+    return ErrorOf([&] { doc.LoadXmlStream(bytes.data(), static_cast<std::uint32_t>(bytes.size())); });
+}
+
+void LoadStream(CXmlDocument& doc, std::vector<unsigned char> bytes) {
+    doc.LoadXmlStream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+}
+
+// Names, namespaces, attributes, text and children, compared recursively.
+void ExpectSameTree(const CXmlElement* a, const CXmlElement* b) {
+    ASSERT_NE(a, nullptr);
+    ASSERT_NE(b, nullptr);
+    ASSERT_EQ(a->GetLocalName(), b->GetLocalName());
+    ASSERT_EQ(a->GetNamespaceURI(), b->GetNamespaceURI());
+    ASSERT_EQ(a->GetText(), b->GetText()) << a->GetLocalName();
+    ASSERT_EQ(a->GetAttributes().size(), b->GetAttributes().size());
+    for (std::size_t i = 0; i < a->GetAttributes().size(); ++i) {
+        ASSERT_EQ(a->GetAttributes()[i]->GetLocalName(), b->GetAttributes()[i]->GetLocalName());
+        ASSERT_EQ(a->GetAttributes()[i]->GetNamespaceURI(), b->GetAttributes()[i]->GetNamespaceURI());
+        ASSERT_EQ(a->GetAttributes()[i]->GetValue(), b->GetAttributes()[i]->GetValue());
+    }
+    const CXmlElement* x = a->GetFirstElement();
+    const CXmlElement* y = b->GetFirstElement();
+    for (; x != nullptr && y != nullptr; x = x->GetNextSiblingElement(), y = y->GetNextSiblingElement())
+        ExpectSameTree(x, y);
+    ASSERT_EQ(x, nullptr);
+    ASSERT_EQ(y, nullptr);
+}
+
+std::size_t CountChildren(const CXmlElement* e) {
+    std::size_t n = 0;
+    for (const CXmlElement* c = e->GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++n;
+    return n;
+}
+
+// A fresh directory removed with its files at the end of the test.
+class TempDir {
+public:
+    TempDir() {
+        std::string pattern = testing::TempDir() + "qmxml_doc_XXXXXX";
+        m_path = mkdtemp(&pattern[0]);
+    }
+    ~TempDir() {
+        for (const std::string& file : m_files) std::remove(file.c_str());
+        rmdir(m_path.c_str());
+    }
+    std::string Write(const std::string& name, const std::string& contents) {
+        const std::string file = m_path + "/" + name;
+        std::ofstream(file, std::ios::binary) << contents;
+        m_files.push_back(file);
+        return file;
+    }
+    const std::string& Path() const { return m_path; }
+
+private:
+    std::string m_path;
+    std::vector<std::string> m_files;
+};
+
+// Restores the library-wide switches a test changes.
+struct SettingsGuard {
+    ~SettingsGuard() {
+        AsyncFromXmlFile(false);
+        ASCIIOnly(false);
+        SetLocalCharEncoding(65001);
+        CXmlDocument::SetMaxInflateRatio(1000);
+        CXmlDocument::SetMinInflateLimit(std::uint64_t{64} << 20);
+        CXmlDocumentLoading::SetFastInfosetLoader(nullptr);
+    }
+};
+
+// About 300 KiB of varied content: namespaces, attributes, text, entities.
+std::string LargeDocument() {
+    std::string xml = "<?xml version=\"1.0\"?>\n<r:root xmlns:r=\"urn:r\" xmlns=\"urn:d\" a=\"1\">\n";
+    for (int i = 0; i < 3000; ++i) {
+        xml += "  <item n=\"" + std::to_string(i) + "\" r:k=\"v&amp;" + std::to_string(i % 7) + "\">";
+        xml += "<name>caf\xc3\xa9 &lt;" + std::to_string(i) + "&gt;</name><r:v>" + std::string(i % 40, 'x');
+        xml += "</r:v><![CDATA[<raw>]]></item>\r\n";
+    }
+    return xml + "</r:root>\n";
+}
+
+}  // namespace
+
+TEST(XmlDocumentLoad, EmptyInputsAreRefusedOrFailInTheParser) {
+    CXmlDocument doc;
+    EXPECT_EQ(ErrorOf([&] { doc.LoadXml(static_cast<const char*>("")); }), "XML String is empty!");
+    unsigned char byte = '<';
+    EXPECT_EQ(ErrorOf([&] { doc.LoadXmlStream(&byte, 0); }), "XML Stream is empty!");
+    // The UTF-16 buffer always holds its byte-order mark, so Expat sees it.
+    const unsigned short empty16[] = {0};
+    EXPECT_EQ(ErrorOf([&] { doc.LoadXml(empty16); }), "no element found at line 1");
+    EXPECT_EQ(doc.GetDocumentElement(), nullptr);
+}
+
+TEST(XmlDocumentLoad, BuildsNamesAttributesAndText) {
+    CXmlDocument doc;
+    doc.LoadXml("<?xml version='1.0'?>\n"
+                "<a xmlns:p='u1' xmlns='d' x='1' p:x='2'>a<p:b q='&lt;'/>b<c>x\r\ny&#13;z</c></a>");
+    const CXmlElement* a = doc.GetDocumentElement();
+    ASSERT_NE(a, nullptr);
+    EXPECT_EQ(a->GetLocalName(), "a");
+    EXPECT_EQ(a->GetNamespaceURI(), "d");
+    EXPECT_EQ(a->GetText(), "ab");
+    ASSERT_EQ(a->GetAttributes().size(), 2u);  // declarations are not attributes here
+    EXPECT_EQ(a->GetAttribute("x", ""), "1");
+    EXPECT_EQ(a->GetAttribute("x", "u1"), "2");
+    EXPECT_EQ(a->GetAttributes()[1]->GetNamespaceURI(), "u1");
+
+    const CXmlElement* b = a->GetFirstElement();
+    ASSERT_NE(b, nullptr);
+    EXPECT_EQ(b->GetLocalName(), "b");
+    EXPECT_EQ(b->GetNamespaceURI(), "u1");
+    EXPECT_EQ(b->GetAttribute("q", ""), "<");
+    const CXmlElement* c = b->GetNextSiblingElement();
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->GetNamespaceURI(), "d");
+    EXPECT_EQ(c->GetText(), "x\nyz");
+    EXPECT_EQ(c->GetNextSiblingElement(), nullptr);
+
+    EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "u1");
+    EXPECT_EQ(doc.LookupNamespaceFromAlias(""), "d");
+    EXPECT_EQ(doc.LookupNamespaceFromAlias(nullptr), "d");
+    EXPECT_EQ(doc.LookupNamespaceFromAlias("q"), "");
+}
+
+TEST(XmlDocumentLoad, NamespaceDeclarationsAreDocumentWideAndResetOnReload) {
+    CXmlDocument doc;
+    doc.LoadXml("<a><b xmlns:p='u1'/><c xmlns:p='u2'><d xmlns='' /></c><e xmlns='urn:e'/></a>");
+    EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "u2");
+    EXPECT_EQ(doc.LookupNamespaceFromAlias(""), "urn:e");
+
+    doc.LoadXml("<z/>");
+    EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "");
+    ASSERT_NE(doc.GetDocumentElement(), nullptr);
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "z");
+    EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement(), nullptr);
+}
+
+TEST(XmlDocumentLoad, Utf16StringsAreReadAsLittleEndianText) {
+    const std::u16string text = u"<a xmlns='urn:\u00e9'>\u65e5\u672c<b/></a>";
+    std::vector<unsigned short> units(text.begin(), text.end());
+    units.push_back(0);
+    CXmlDocument doc;
+    doc.LoadXml(units.data());
+    const CXmlElement* a = doc.GetDocumentElement();
+    ASSERT_NE(a, nullptr);
+    EXPECT_EQ(a->GetNamespaceURI(), "urn:\xc3\xa9");
+    EXPECT_EQ(a->GetText(), "\xe6\x97\xa5\xe6\x9c\xac");
+    EXPECT_EQ(CountChildren(a), 1u);
+}
+
+TEST(XmlDocumentLoad, NoNamespaceSchemaTypeKeepsQualifiedNames) {
+    CXmlSerializationContext context;
+    context.SetSchemaType(SchemaType_NoNamespaces);
+    CXmlDocument doc(context);
+    context.SetSchemaType(SchemaType_XmlSchema);  // read once, at construction
+    doc.LoadXml("<p:a xmlns:p='u'><p:b/></p:a>");
+    const CXmlElement* a = doc.GetDocumentElement();
+    ASSERT_NE(a, nullptr);
+    EXPECT_EQ(a->GetLocalName(), "p:a");
+    EXPECT_EQ(a->GetNamespaceURI(), "");
+    ASSERT_EQ(a->GetAttributes().size(), 1u);
+    EXPECT_EQ(a->GetAttributes()[0]->GetLocalName(), "xmlns:p");
+    EXPECT_EQ(a->GetAttributes()[0]->GetValue(), "u");
+    EXPECT_EQ(a->GetFirstElement()->GetLocalName(), "p:b");
+    EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "");
+}
+
+TEST(XmlDocumentLoad, CDataMarkersFollowTheContext) {
+    const char* xml = "<a>x<![CDATA[1<2]]>y</a>";
+    CXmlSerializationContext keep;
+    keep.SetStripCDATA(false);
+    CXmlDocument kept(keep);
+    kept.LoadXml(xml);
+    EXPECT_EQ(kept.GetDocumentElement()->GetText(), "x<![CDATA[1<2]]>y");
+
+    CXmlDocument stripped;  // the default context strips
+    stripped.LoadXml(xml);
+    EXPECT_EQ(stripped.GetDocumentElement()->GetText(), "x1<2y");
+}
+
+namespace {
+bool DropItems(CXmlElement* element) { return element->GetLocalName() == "item"; }
+bool DropEverything(CXmlElement*) { return true; }
+}  // namespace
+
+TEST(XmlDocumentLoad, ElementFilterDropsCompletedSubtrees) {
+    CXmlDocument doc(&DropItems);
+    doc.LoadXml("<item><keep><item><x/></item>t</keep><item/><keep2/><item>z</item></item>");
+    const CXmlElement* root = doc.GetDocumentElement();
+    ASSERT_NE(root, nullptr);  // the document element stays
+    EXPECT_EQ(root->GetLocalName(), "item");
+    ASSERT_EQ(CountChildren(root), 2u);
+    const CXmlElement* keep = root->GetFirstElement();
+    EXPECT_EQ(keep->GetLocalName(), "keep");
+    EXPECT_EQ(keep->GetText(), "t");
+    EXPECT_EQ(keep->GetFirstElement(), nullptr);
+    EXPECT_EQ(keep->GetNextSiblingElement()->GetLocalName(), "keep2");
+
+    CXmlDocument none(&DropEverything, CXmlSerializationContext::m_defaultContext);
+    none.LoadXml("<a>1<b>2</b>3</a>");
+    EXPECT_EQ(none.GetDocumentElement()->GetFirstElement(), nullptr);
+    EXPECT_EQ(none.GetDocumentElement()->GetText(), "13");
+}
+
+TEST(XmlDocumentLoad, MalformedInputReportsExpatMessageAndLine) {
+    CXmlDocument doc;
+    EXPECT_EQ(ErrorOf([&] { doc.LoadXml("<a>\n<b>\n</a>"); }), "mismatched tag at line 3");
+    // The partial tree stays until the next load.
+    ASSERT_NE(doc.GetDocumentElement(), nullptr);
+    EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement()->GetLocalName(), "b");
+
+    EXPECT_EQ(ErrorOf([&] { doc.LoadXml("<a>\xff\xfe</a>"); }), "not well-formed (invalid token) at line 1");
+    EXPECT_EQ(ErrorOf([&] { doc.LoadXml("<a>\xc3(</a>"); }), "not well-formed (invalid token) at line 1");
+    EXPECT_EQ(StreamError(doc, Bytes("<a/><b/>")), "junk after document element at line 1");
+    EXPECT_EQ(StreamError(doc, Bytes("  ")), "no element found at line 1");
+}
+
+TEST(XmlDocumentLoad, TextIsConvertedToTheLocalEncoding) {
+    SettingsGuard restore;
+    const char* xml = "<caf\xc3\xa9 a='\xc3\xa9'>\xc3\xa9t\xc3\xa9</caf\xc3\xa9>";
+    CXmlDocument doc;
+
+    SetLocalCharEncoding(28591);
+    doc.LoadXml(xml);
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "caf\xe9");
+    EXPECT_EQ(doc.GetDocumentElement()->GetAttribute("a", ""), "\xe9");
+    EXPECT_EQ(doc.GetDocumentElement()->GetText(), "\xe9t\xe9");
+    EXPECT_EQ(ErrorOf([&] { doc.LoadXml("<a>\xe6\x97\xa5</a>"); }),
+              "The text can not be converted to the local character encoding [code page 28591]");
+
+    ASCIIOnly(true);
+    doc.LoadXml(xml);
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "caf\xc3\xa9");
+    EXPECT_EQ(doc.GetDocumentElement()->GetText(), "\xc3\xa9t\xc3\xa9");
+}
+
+TEST(XmlDocumentLoad, CompressedStreamsLoadLikePlainOnes) {
+    const std::string xml = LargeDocument();
+    CXmlSerializationContext keep;
+    keep.SetStripCDATA(false);
+    CXmlDocument plain(keep), gzip(keep), zlib(keep);
+    LoadStream(plain, Bytes(xml));
+    LoadStream(gzip, Compress(xml, 31));
+    LoadStream(zlib, Compress(xml, 15));
+    ExpectSameTree(plain.GetDocumentElement(), gzip.GetDocumentElement());
+    ExpectSameTree(plain.GetDocumentElement(), zlib.GetDocumentElement());
+    EXPECT_EQ(CountChildren(plain.GetDocumentElement()), 3000u);
+    EXPECT_EQ(gzip.LookupNamespaceFromAlias("r"), "urn:r");
+}
+
+TEST(XmlDocumentLoad, BrokenCompressedInputThrows) {
+    CXmlDocument doc;
+    const std::string xml = LargeDocument();
+    for (int bits : {31, 15}) {
+        std::vector<unsigned char> packed = Compress(xml, bits);
+        packed.resize(packed.size() / 2);
+        EXPECT_EQ(StreamError(doc, packed), "The compressed data is truncated or corrupt") << bits;
+    }
+    std::vector<unsigned char> corrupt = Compress(xml, 31);
+    corrupt[corrupt.size() - 6] ^= 0xff;  // the CRC no longer matches
+    EXPECT_EQ(StreamError(doc, corrupt), "The compressed data is truncated or corrupt");
+    EXPECT_EQ(StreamError(doc, {0x1f, 0x8b}), "The compressed data is truncated or corrupt");
+
+    // "x" then 0x01 forms a valid zlib header, but what follows is no deflate data.
+    EXPECT_EQ(StreamError(doc, Bytes("x\x01?<a/>")), "not well-formed (invalid token) at line 1");
+}
+
+TEST(XmlDocumentLoad, DecompressionBombIsRefused) {
+    SettingsGuard restore;
+    // 20 MB of zeros deflates to about 20 KB, a ratio near 1000.
+    z_stream zs{};
+    ASSERT_EQ(deflateInit2(&zs, Z_BEST_COMPRESSION, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY), Z_OK);
+    std::vector<unsigned char> zeros(1 << 20, 0), packed(1 << 20);
+    std::size_t used = 0;
+    for (int i = 0; i < 20; ++i) {
+        zs.next_in = zeros.data();
+        zs.avail_in = static_cast<uInt>(zeros.size());
+        int rc;
+        do {
+            zs.next_out = packed.data() + used;
+            zs.avail_out = static_cast<uInt>(packed.size() - used);
+            rc = deflate(&zs, i == 19 ? Z_FINISH : Z_NO_FLUSH);
+            used = packed.size() - zs.avail_out;
+        } while (zs.avail_in > 0 || (i == 19 && rc != Z_STREAM_END));
+    }
+    deflateEnd(&zs);
+    packed.resize(used);
+
+    CXmlDocument::SetMaxInflateRatio(10);
+    CXmlDocument::SetMinInflateLimit(1 << 20);
+    CXmlDocument doc;
+    EXPECT_EQ(StreamError(doc, packed), "The inflated data exceeds the limit of 1048576 bytes");
+
+    CXmlDocument::SetMaxInflateRatio(200);
+    const unsigned long long limit = 200ull * packed.size();
+    EXPECT_EQ(StreamError(doc, packed), "The inflated data exceeds the limit of " + std::to_string(limit) + " bytes");
+
+    // Within the limit the zeros inflate fine, and then fail as text.
+    CXmlDocument::SetMaxInflateRatio(1000);
+    CXmlDocument::SetMinInflateLimit(32 << 20);
+    EXPECT_EQ(StreamError(doc, packed), "not well-formed (invalid token) at line 1");
+}
+
+TEST(XmlDocumentLoad, FastInfosetLoaderSeesInflatedStreamInput) {
+    SettingsGuard restore;
+    static std::string seen;
+    CXmlDocumentLoading::SetFastInfosetLoader(
+        [](CXmlDocument& doc, const unsigned char* data, std::uint32_t length, const CXmlSerializationContext&) {
+            seen.assign(reinterpret_cast<const char*>(data), length);
+            if (seen.compare(0, 4, "\xe0\0\0\x01", 4) != 0) return false;
+            CXmlTreeBuilder::SetName(CXmlTreeBuilder::CreateDocumentElement(doc), "fi", "urn:fi");
+            return true;
+        });
+    CXmlDocument doc;
+    LoadStream(doc, Compress(std::string("\xe0\0\0\x01rest", 8), 31));
+    EXPECT_EQ(seen, std::string("\xe0\0\0\x01rest", 8));
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "fi");
+
+    LoadStream(doc, Bytes("<x/>"));  // declined: parsed as text
+    EXPECT_EQ(seen, "<x/>");
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "x");
+
+    doc.LoadXml("<y/>");  // strings are text only
+    EXPECT_EQ(seen, "<x/>");
+}
+
+TEST(XmlDocumentFile, SyncAndChunkedReadsBuildTheSameTree) {
+    SettingsGuard restore;
+    TempDir dir;
+    const std::string xml = LargeDocument();
+    ASSERT_GT(xml.size(), 0x20000u * 2);
+    const std::string file = dir.Write("large.xml", xml);
+    CXmlSerializationContext keep;
+    keep.SetStripCDATA(false);
+
+    CXmlDocument fromStream(keep), sync(keep), chunked(keep);
+    LoadStream(fromStream, Bytes(xml));
+    sync.Load(file.c_str());
+    AsyncFromXmlFile(true);
+    chunked.Load(file.c_str());
+    ExpectSameTree(fromStream.GetDocumentElement(), sync.GetDocumentElement());
+    ExpectSameTree(sync.GetDocumentElement(), chunked.GetDocumentElement());
+    EXPECT_EQ(chunked.LookupNamespaceFromAlias(""), "urn:d");
+
+    // Exactly one chunk: the end of input still reaches the parser.
+    std::string exact = "<a>" + std::string(0x20000 - 7, 'x') + "</a>";
+    ASSERT_EQ(exact.size(), 0x20000u);
+    const std::string exactFile = dir.Write("exact.xml", exact);
+    const std::string openFile = dir.Write("open.xml", "<a>" + std::string(0x20000 - 3, 'x'));
+    for (bool async : {false, true}) {
+        AsyncFromXmlFile(async);
+        CXmlDocument doc;
+        doc.Load(exactFile.c_str());
+        EXPECT_EQ(doc.GetDocumentElement()->GetText().size(), 0x20000u - 7);
+        EXPECT_EQ(ErrorOf([&] { doc.Load(openFile.c_str()); }), "no element found at line 1") << async;
+    }
+}
+
+TEST(XmlDocumentFile, CompressedFilesInflateOnTheSyncPathOnly) {
+    SettingsGuard restore;
+    TempDir dir;
+    const std::string xml = "<a xmlns='u'><b>t</b></a>";
+    const std::vector<unsigned char> packed = Compress(xml, 31);
+    const std::string file = dir.Write("a.xml.gz", std::string(packed.begin(), packed.end()));
+    CXmlDocument doc;
+    doc.Load(file.c_str());
+    EXPECT_EQ(doc.GetDocumentElement()->GetNamespaceURI(), "u");
+    EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement()->GetText(), "t");
+
+    AsyncFromXmlFile(true);
+    EXPECT_EQ(ErrorOf([&] { doc.Load(file.c_str()); }), "not well-formed (invalid token) at line 1");
+}
+
+TEST(XmlDocumentFile, FileErrorsCarryNameAndErrno) {
+    SettingsGuard restore;
+    TempDir dir;
+    const std::string empty = dir.Write("empty.xml", "");
+    const std::string missing = dir.Path() + "/missing.xml";
+    for (bool async : {false, true}) {
+        AsyncFromXmlFile(async);
+        CXmlDocument doc;
+        EXPECT_EQ(ErrorOf([&] { doc.Load(empty.c_str()); }), "Invalid or empty XML document");
+        EXPECT_EQ(ErrorOf([&] { doc.Load(missing.c_str()); }),
+                  "Failed to open the file [" + missing + "] Error [0x00000002]");
+        // A directory opens but cannot be read (EISDIR).
+        EXPECT_EQ(ErrorOf([&] { doc.Load(dir.Path().c_str()); }),
+                  "Failed to read the contents of the file [" + dir.Path() + "] Error [0x00000015]");
+    }
+}
+
+TEST(XmlDocumentLoad, DeepNestingBuildsTheWholeChain) {
+    constexpr std::size_t kDepth = 1000000;
+    std::string xml;
+    xml.reserve(kDepth * 7);
+    for (std::size_t i = 0; i < kDepth; ++i) xml += "<a>";
+    xml += "x";
+    for (std::size_t i = 0; i < kDepth; ++i) xml += "</a>";
+    auto doc = std::make_unique<CXmlDocument>();
+    LoadStream(*doc, Bytes(xml));
+    std::size_t depth = 1;
+    const CXmlElement* e = doc->GetDocumentElement();
+    while (e->GetFirstElement() != nullptr) {
+        e = e->GetFirstElement();
+        ++depth;
+    }
+    EXPECT_EQ(depth, kDepth);
+    EXPECT_EQ(e->GetText(), "x");
+    doc.reset();  // tears down without recursion
+}
