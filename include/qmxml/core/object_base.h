@@ -5,16 +5,20 @@
 #include <cstdint>
 #include <string>
 
+#include "qmxml/core/enums.h"
 #include "qmxml/core/instance_monitor.h"
+#include "qmxml/core/serialization_context.h"
 #include "qmxml/core/smart_ptr.h"
 
 namespace QmXmlLib10 {
 
 class CXmlObjectBase;
 class CXmlCollectionBase;
-class CXmlSerializationContext;
 class CXmlElement;
 class CXmlWriter;
+class CBinaryData;
+class CElement;
+class CTextStream;
 
 // Receives the events a collection raises when its content changes.
 class IEventSink {
@@ -47,6 +51,48 @@ public:
     // The current reference count; exact only while no other thread changes it
     // (a count of 1 seen by the holder of that reference is exact).
     int GetRefCount() const noexcept { return m_refCount.load(std::memory_order_acquire); }
+
+    // Writing. Each call creates its own writer and stream and hands over to
+    // ToXml_Int with the object as the root element.
+    virtual void ToXmlFile(const char* fileName, bool includeDocHeader = true, bool formatted = true,
+                           XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
+                           const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext,
+                           CompressionType compression = CompressionType_None) const;
+    virtual void ToFastInfosetFile(const char* fileName, FInfoDecl declaration = FInfoDecl_None,
+                                   const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext,
+                                   CompressionType compression = CompressionType_None) const;
+    // The text in the local encoding of 8-bit strings.
+    virtual std::string ToXml(bool includeDocHeader = true, bool formatted = true, EOLType eol = EOLType_LF,
+                              const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext) const;
+    // The encoded (and optionally compressed) document.
+    virtual CBinaryData ToXmlStream(bool includeDocHeader = true, bool formatted = true,
+                                    XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
+                                    const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext,
+                                    CompressionType compression = CompressionType_None) const;
+    virtual CBinaryData ToFastInfosetStream(
+        FInfoDecl declaration = FInfoDecl_None,
+        const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext,
+        CompressionType compression = CompressionType_None) const;
+
+    // Reading: each replaces the object's content. After a failed read the
+    // object holds whatever had been bound before the failure.
+    virtual void FromXmlFile(const char* fileName,
+                             const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext);
+    virtual void FromXml(const unsigned short* utf16Text,
+                         const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext);
+    virtual void FromXml(const char* xmlText,
+                         const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext);
+    virtual void FromXmlStream(const CBinaryData& data,
+                               const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext);
+    // Text in any encoding the loader detects, plain or compressed.
+    virtual void FromXmlStream(unsigned char* const bytes, std::uint32_t length,
+                               const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext);
+    // Binds from a wildcard element by writing it out and reading the text back.
+    virtual void FromXmlElement(const CElement* element,
+                                const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext);
+    // Binds from an element of an already loaded tree.
+    virtual void FromXmlElement(const CXmlElement* element,
+                                const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext);
 
     virtual CXmlObjectBase* GetBase() { return this; }
     const CXmlObjectBase* GetBase() const { return this; }
@@ -112,6 +158,10 @@ protected:
                                        std::int32_t& count, const CXmlSerializationContext& ctx);
 
 private:
+    // Writes the whole document, this object as its root, through a text writer.
+    void WriteTextDocument(CTextStream& stream, bool includeDocHeader, bool formatted, EOLType eol,
+                           const CXmlSerializationContext& ctx) const;
+
     std::atomic<int> m_refCount{0};
     CInstanceMonitor m_monitor;
     std::string m_recordedElementName;

@@ -1,0 +1,129 @@
+// The public serialization entry points shared by every bound object.
+#include <memory>
+
+#include "platform/charset.h"
+#include "platform/file_writer.h"
+#include "qmxml/collections/element.h"
+#include "qmxml/core/exception.h"
+#include "qmxml/core/object_base.h"
+#include "qmxml/core/settings.h"
+#include "qmxml/dom/xml_document.h"
+#include "qmxml/dom/xml_element.h"
+#include "qmxml/types/binary_data.h"
+#include "qmxml/writer/text_stream.h"
+#include "qmxml/writer/text_writer.h"
+
+namespace QmXmlLib10 {
+
+namespace {
+
+const char* const kZlibOnlyForStreams = "ZLIB Compression only available for To Stream methods.";
+
+CBinaryData Compressed(const std::string& bytes, CompressionType compression) {
+    const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
+    const auto length = static_cast<std::uint32_t>(bytes.size());
+    if (compression == CompressionType_None) return CBinaryData(const_cast<unsigned char*>(data), length, false);
+    return CBinaryData::Compress(data, length, compression);
+}
+
+[[noreturn]] void FastInfosetUnavailable() {
+    throw CQmInvalidStateException("Fast Infoset output is not available in this version of the library");
+}
+
+}  // namespace
+
+// Start, formatting, end of line, then the declaration, so that the
+// declaration ends with the chosen end of line.
+void CXmlObjectBase::WriteTextDocument(CTextStream& stream, bool includeDocHeader, bool formatted, EOLType eol,
+                                       const CXmlSerializationContext& ctx) const {
+    CXmlTextWriter writer(stream);
+    writer.StartDocument();
+    writer.SetFormatted(formatted);
+    writer.SetEOLType(eol);
+    if (includeDocHeader) writer.WriteXmlDeclaration();
+    const std::string name = GetElementName();
+    ToXml_Int(&writer, true, name.c_str(), ctx, false);
+    writer.EndDocument();
+}
+
+std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType eol,
+                                  const CXmlSerializationContext& ctx) const {
+    // Local strings that are not UTF-8 get a declaration without an encoding.
+    CTextStream stream(platform::LocalIsUtf8() ? XmlEncoding_UTF8 : static_cast<XmlEncoding>(0));
+    WriteTextDocument(stream, includeDocHeader, formatted, eol, ctx);
+    return stream.GetText();
+}
+
+CBinaryData CXmlObjectBase::ToXmlStream(bool includeDocHeader, bool formatted, XmlEncoding encoding, EOLType eol,
+                                        const CXmlSerializationContext& ctx, CompressionType compression) const {
+    CTextStream stream(encoding);
+    WriteTextDocument(stream, includeDocHeader, formatted, eol, ctx);
+    return Compressed(stream.GetEncodedText(), compression);
+}
+
+void CXmlObjectBase::ToXmlFile(const char* fileName, bool includeDocHeader, bool formatted, XmlEncoding encoding,
+                               EOLType eol, const CXmlSerializationContext& ctx, CompressionType compression) const {
+    if (compression == CompressionType_ZLib) throw CQmException(kZlibOnlyForStreams);
+    if (GetAsyncToXmlFile() && compression == CompressionType_None) {
+        CFileTextStream stream(fileName, encoding);
+        WriteTextDocument(stream, includeDocHeader, formatted, eol, ctx);
+        return;
+    }
+    const CBinaryData bytes = ToXmlStream(includeDocHeader, formatted, encoding, eol, ctx, compression);
+    platform::CFileWriter file(fileName ? fileName : "");
+    file.Write(reinterpret_cast<const char*>(bytes.GetData()), bytes.GetLength());
+    file.Close();
+}
+
+void CXmlObjectBase::ToFastInfosetFile(const char*, FInfoDecl, const CXmlSerializationContext&,
+                                       CompressionType compression) const {
+    if (compression == CompressionType_ZLib) throw CQmException(kZlibOnlyForStreams);
+    FastInfosetUnavailable();
+}
+
+CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl, const CXmlSerializationContext&, CompressionType) const {
+    FastInfosetUnavailable();
+}
+
+void CXmlObjectBase::FromXmlFile(const char* fileName, const CXmlSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.Load(fileName);
+    FromXmlElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromXml(const unsigned short* utf16Text, const CXmlSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadXml(utf16Text);
+    FromXmlElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromXml(const char* xmlText, const CXmlSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadXml(xmlText);
+    FromXmlElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromXmlStream(const CBinaryData& data, const CXmlSerializationContext& ctx) {
+    FromXmlStream(const_cast<unsigned char*>(data.GetData()), data.GetLength(), ctx);
+}
+
+void CXmlObjectBase::FromXmlStream(unsigned char* const bytes, std::uint32_t length,
+                                   const CXmlSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadXmlStream(bytes, length);
+    FromXmlElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromXmlElement(const CElement* element, const CXmlSerializationContext& ctx) {
+    if (element == nullptr) throw CQmInvalidParamException("The element to read from may not be NULL");
+    const std::string text = element->ToXml(true, false, EOLType_LF, ctx);
+    FromXml(text.c_str(), ctx);
+}
+
+void CXmlObjectBase::FromXmlElement(const CXmlElement* element, const CXmlSerializationContext& ctx) {
+    if (element == nullptr) throw CQmException("Invalid or empty XML document");
+    auto* root = const_cast<CXmlElement*>(element);
+    FromXml_Int(root, root->GetFirstElement(), ctx, false);
+}
+
+}  // namespace QmXmlLib10
