@@ -15,6 +15,9 @@
 #include "qmxml/dom/xml_name_table.h"
 #include "qmxml/dom/xml_tree_builder.h"
 
+#include "qmxml/writer/string_buffer.h"
+#include "qmxml/writer/text_stream.h"
+#include "qmxml/writer/text_writer.h"
 #include "qmxml/writer/xml_writer.h"
 
 #include "qmxml/collections/element.h"
