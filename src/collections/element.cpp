@@ -26,30 +26,12 @@ void ReleaseSubtree(CSmartPtr<CElementCol>& elements, std::vector<CSmartPtr<CEle
 
 CElementCol::CElementCol(const char* name, const char* namespaceRestriction, const char* targetNamespace,
                          std::int32_t minOccurs, std::int32_t maxOccurs)
-    : CXmlCollection(name, "", minOccurs, maxOccurs),
-      m_namespaceRestriction(namespaceRestriction ? namespaceRestriction : ""),
-      m_targetNamespace(targetNamespace ? targetNamespace : "") {}
-
-void CElementCol::Add(CElement* element) {
-    if (element == nullptr) throw CQmInvalidParamException("A NULL item can not be added to a collection");
-    TestNamespace(element->GetNamespaceURI().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str());
-    AppendItem(element);
-}
+    : CWildcardCol<CElement>(name, namespaceRestriction, targetNamespace, minOccurs, maxOccurs) {}
 
 CSmartPtr<CElement> CElementCol::Add(const char* localName, const char* namespaceURI) {
     CSmartPtr<CElement> element = new CElement(localName, namespaceURI);
     Add(element);
     return element;
-}
-
-void CElementCol::InsertAt(int index, CElement* element) {
-    if (element == nullptr) throw CQmInvalidParamException("A NULL item can not be added to a collection");
-    TestNamespace(element->GetNamespaceURI().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str());
-    AddItemAt(index, element);
-}
-
-CSmartPtr<CElement> CElementCol::GetItem(int index) const {
-    return static_cast<CElement*>(GetNodeAtIndex(index)->GetItem());
 }
 
 void CElementCol::ToXml_Int(CXmlWriter* writer, bool, const char*, const CXmlSerializationContext& ctx, bool) const {
@@ -59,8 +41,7 @@ void CElementCol::ToXml_Int(CXmlWriter* writer, bool, const char*, const CXmlSer
 }
 
 CXmlElement* CElementCol::FromXml_Int(CXmlElement*, CXmlElement* current, const CXmlSerializationContext&, bool) {
-    while (current &&
-           IsNamespaceValid(current->GetNamespaceURI().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str())) {
+    while (current && Accepts(current->GetNamespaceURI())) {
         CSmartPtr<CElement> element = new CElement();
         element->ReadFrom(current);
         AppendItem(element);

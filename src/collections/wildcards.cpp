@@ -24,30 +24,12 @@ CXmlElement* CAttribute::FromXml_Int(CXmlElement*, CXmlElement* current, const C
 }
 
 CAttributeCol::CAttributeCol(const char* name, const char* namespaceRestriction, const char* targetNamespace)
-    : CXmlCollection(name, "", 0, -1),
-      m_namespaceRestriction(namespaceRestriction ? namespaceRestriction : ""),
-      m_targetNamespace(targetNamespace ? targetNamespace : "") {}
-
-void CAttributeCol::Add(CAttribute* attribute) {
-    if (attribute == nullptr) throw CQmInvalidParamException("A NULL item can not be added to a collection");
-    TestNamespace(attribute->GetNamespaceURI().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str());
-    AppendItem(attribute);
-}
+    : CWildcardCol<CAttribute>(name, namespaceRestriction, targetNamespace, 0, -1) {}
 
 CSmartPtr<CAttribute> CAttributeCol::Add(const char* localName, const char* namespaceURI, const char* value) {
     CSmartPtr<CAttribute> attribute = new CAttribute(localName, namespaceURI, value);
     Add(attribute);
     return attribute;
-}
-
-CSmartPtr<CAttribute> CAttributeCol::GetItem(int index) const {
-    return static_cast<CAttribute*>(GetNodeAtIndex(index)->GetItem());
-}
-
-void CAttributeCol::InsertAt(int index, CAttribute* attribute) {
-    if (attribute == nullptr) throw CQmInvalidParamException("A NULL item can not be added to a collection");
-    TestNamespace(attribute->GetNamespaceURI().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str());
-    AddItemAt(index, attribute);
 }
 
 CSmartPtr<CAttribute> CAttributeCol::Find(const char* localName, const char* namespaceURI) const {
@@ -63,8 +45,7 @@ CSmartPtr<CAttribute> CAttributeCol::Find(const char* localName, const char* nam
 void CAttributeCol::ReadAttributes(const CXmlElement* element, const CXmlSerializationContext&) {
     for (const CXmlAttribute* a : element->GetAttributes()) {
         if (a->IsNamespaceAttribute() || a->IsNilAttribute()) continue;
-        if (!IsNamespaceValid(a->GetNamespaceURI().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str()))
-            continue;
+        if (!Accepts(a->GetNamespaceURI())) continue;
         AppendItem(CSmartPtr<CAttribute>(
             new CAttribute(a->GetLocalName().c_str(), a->GetNamespaceURI().c_str(), a->GetValue().c_str())));
     }

@@ -14,22 +14,14 @@ namespace QmXmlLib10 {
 
 class CElement;
 
-// Elements of any name whose namespaces pass a wildcard restriction
-// ("##any", "##other", "##local", "##targetNamespace" or URIs, space separated).
-class CElementCol : public CXmlCollection {
+// Elements of any name whose namespaces pass a wildcard restriction.
+class CElementCol : public CWildcardCol<CElement> {
 public:
     CElementCol(const char* name = "", const char* namespaceRestriction = "##any", const char* targetNamespace = "",
                 std::int32_t minOccurs = 0, std::int32_t maxOccurs = -1);
 
-    const std::string& GetNamespaceRestriction() const { return m_namespaceRestriction; }
-    const std::string& GetWildcardTargetNamespace() const { return m_targetNamespace; }
-
-    // Adding checks the element's namespace against the restriction and throws
-    // CQmInvalidNamespaceException when it does not pass.
-    void Add(CElement* element);
+    using CWildcardCol<CElement>::Add;
     CSmartPtr<CElement> Add(const char* localName, const char* namespaceURI);
-    void InsertAt(int index, CElement* element);
-    CSmartPtr<CElement> GetItem(int index) const;
 
 protected:
     friend class CElement;
@@ -40,10 +32,6 @@ protected:
     // the restriction; returns the first one it did not take.
     CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
                              bool isRoot) override;
-
-private:
-    std::string m_namespaceRestriction;
-    std::string m_targetNamespace;
 };
 
 class CElement : public CXmlObjectBase {

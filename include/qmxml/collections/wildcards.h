@@ -6,6 +6,7 @@
 #include <string>
 
 #include "qmxml/collections/xml_collection.h"
+#include "qmxml/core/exception.h"
 
 namespace QmXmlLib10 {
 
@@ -41,21 +42,55 @@ private:
     std::string m_value;
 };
 
-// Attributes of any name whose namespaces pass a wildcard restriction
-// ("##any", "##other", "##local", "##targetNamespace" or URIs, space separated).
-class CAttributeCol : public CXmlCollection {
+// A collection of wildcard items (attributes or elements) whose namespaces
+// must pass a restriction: "##any", "##other", "##local", "##targetNamespace"
+// or URIs, space separated.
+template <class Item>
+class CWildcardCol : public CXmlCollection {
 public:
-    CAttributeCol(const char* name, const char* namespaceRestriction, const char* targetNamespace);
+    CWildcardCol(const char* name, const char* namespaceRestriction, const char* targetNamespace,
+                 std::int32_t minOccurs, std::int32_t maxOccurs)
+        : CXmlCollection(name, "", minOccurs, maxOccurs),
+          m_namespaceRestriction(namespaceRestriction ? namespaceRestriction : ""),
+          m_targetNamespace(targetNamespace ? targetNamespace : "") {}
 
     const std::string& GetNamespaceRestriction() const { return m_namespaceRestriction; }
     const std::string& GetWildcardTargetNamespace() const { return m_targetNamespace; }
 
-    // Adding checks the attribute's namespace against the restriction and
-    // throws CQmInvalidNamespaceException when it does not pass.
-    void Add(CAttribute* attribute);
+    // Adding checks the item's namespace against the restriction and throws
+    // CQmInvalidNamespaceException when it does not pass.
+    void Add(Item* item) {
+        CheckItem(item);
+        AppendItem(item);
+    }
+    void InsertAt(int index, Item* item) {
+        CheckItem(item);
+        AddItemAt(index, item);
+    }
+    CSmartPtr<Item> GetItem(int index) const { return static_cast<Item*>(GetNodeAtIndex(index)->GetItem()); }
+
+protected:
+    bool Accepts(const std::string& namespaceURI) const {
+        return IsNamespaceValid(namespaceURI.c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str());
+    }
+
+private:
+    void CheckItem(const Item* item) const {
+        if (item == nullptr) throw CQmInvalidParamException("A NULL item can not be added to a collection");
+        TestNamespace(item->GetNamespaceURI().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str());
+    }
+
+    std::string m_namespaceRestriction;
+    std::string m_targetNamespace;
+};
+
+// Attributes of any name whose namespaces pass a wildcard restriction.
+class CAttributeCol : public CWildcardCol<CAttribute> {
+public:
+    CAttributeCol(const char* name, const char* namespaceRestriction, const char* targetNamespace);
+
+    using CWildcardCol<CAttribute>::Add;
     CSmartPtr<CAttribute> Add(const char* localName, const char* namespaceURI, const char* value);
-    CSmartPtr<CAttribute> GetItem(int index) const;
-    void InsertAt(int index, CAttribute* attribute);
     // The first attribute with this local name and namespace, or null.
     CSmartPtr<CAttribute> Find(const char* localName, const char* namespaceURI) const;
 
@@ -72,10 +107,6 @@ protected:
     // Reads the attributes of `parent`; returns `current` unconsumed.
     CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
                              bool isRoot) override;
-
-private:
-    std::string m_namespaceRestriction;
-    std::string m_targetNamespace;
 };
 
 }  // namespace QmXmlLib10
