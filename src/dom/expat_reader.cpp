@@ -143,10 +143,16 @@ void CExpatReader::StartElement(const char* name, const char** attributes) {
     m_open.push_back(element);
     m_textStart.push_back(m_pendingText.size());
 
+    if (attributes[0] == nullptr) return;
+    std::size_t count = 0;
+    while (attributes[2 * count] != nullptr) ++count;
+    CXmlTreeBuilder::ReserveAttributes(element, count);
     for (const char** attribute = attributes; attribute[0] != nullptr; attribute += 2) {
         const Names attributeNames = Lookup(attribute[0]);
-        std::string value;
-        ToLocal(attribute[1], std::strlen(attribute[1]), value);
+        const std::size_t length = std::strlen(attribute[1]);
+        // Constructed at its size: filling an empty string would over-allocate.
+        std::string value = m_convert ? std::string() : std::string(attribute[1], length);
+        if (m_convert) ToLocal(attribute[1], length, value);
         CXmlTreeBuilder::AddAttribute(element, attributeNames.localName, std::move(value),
                                       attributeNames.namespaceURI);
     }

@@ -8,6 +8,7 @@
 
 #include "dom/expat_reader.h"
 #include "dom/xml_document_loading.h"
+#include "dom/xml_node_pool.h"
 #include "platform/file_reader.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
@@ -117,12 +118,13 @@ CXmlDocument::CXmlDocument(ElementFilter filter)
 
 CXmlDocument::CXmlDocument(ElementFilter filter, const CXmlSerializationContext& context)
     : CInstanceMonitor("CXmlDocument"),
+      m_pool(std::make_unique<CXmlNodePool>()),
       m_schemaType(context.GetSchemaType()),
       m_filter(filter),
       m_context(&context) {}
 
-// The tree goes before the name table its nodes point into (member order).
-CXmlDocument::~CXmlDocument() = default;
+// The tree goes before the pool it lives in and the name table it points into.
+CXmlDocument::~CXmlDocument() { CXmlTreeBuilder::Clear(*this); }
 
 void CXmlDocument::Cleanup() {
     CXmlTreeBuilder::Clear(*this);

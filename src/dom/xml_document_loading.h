@@ -10,6 +10,7 @@
 
 namespace QmXmlLib10 {
 
+class CXmlNodePool;
 class CXmlSerializationContext;
 
 // Loads a Fast Infoset document into document through CXmlTreeBuilder and
@@ -36,6 +37,8 @@ public:
     static CXmlDocument::ElementFilter GetElementFilter(const CXmlDocument& document) noexcept {
         return document.m_filter;
     }
+    // Where the document's nodes live.
+    static CXmlNodePool& GetNodePool(const CXmlDocument& document) noexcept { return *document.m_pool; }
     // The schema type read from the context when the document was constructed.
     static int GetSchemaType(const CXmlDocument& document) noexcept { return document.m_schemaType; }
 };

@@ -1,7 +1,10 @@
 #include "qmxml/dom/xml_element.h"
 
+#include <new>
 #include <utility>
 
+#include "dom/xml_document_loading.h"
+#include "dom/xml_node_pool.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/dom/xml_document.h"
 #include "qmxml/dom/xml_name_table.h"
@@ -15,6 +18,12 @@ const char kXmlnsNamespace[] = "http://www.w3.org/2000/xmlns/";
 
 bool IsInstanceOrXmlnsNamespace(const std::string& ns) noexcept {
     return ns == kXsiNamespace || ns == kXmlnsNamespace;
+}
+
+using AttributeVector = std::vector<CXmlAttribute*>;
+
+CXmlNodePool& PoolOf(const CXmlDocument* document) noexcept {
+    return CXmlDocumentLoading::GetNodePool(*document);
 }
 
 }  // namespace
@@ -53,15 +62,25 @@ CXmlElement::CXmlElement(const CXmlDocument* document)
     if (document == nullptr) throw CQmInvalidParamException("An element needs an owning document.");
 }
 
-CXmlElement::~CXmlElement() {
+// Only the text is left to free here; Destroy has taken care of the rest.
+CXmlElement::~CXmlElement() = default;
+
+CXmlElement* CXmlElement::Create(const CXmlDocument* document) {
+    if (document == nullptr) throw CQmInvalidParamException("An element needs an owning document.");
+    CXmlNodePool& pool = PoolOf(document);
+    void* block = pool.Allocate(sizeof(CXmlElement));
+    return new (block) CXmlElement(document);  // cannot throw with a document
+}
+
+void CXmlElement::Destroy(CXmlElement* element) noexcept {
+    if (element == nullptr) return;
+    CXmlNodePool& pool = PoolOf(element->m_document);
     // A recursive teardown would overflow the stack on deeply nested input.
-    // Instead the descendants form one pending chain through their sibling
-    // links: a node's children are spliced in front of its later siblings
-    // before the node is deleted, so every node is deleted childless.
-    CXmlElement* pending = m_firstChild;
-    m_firstChild = nullptr;
-    m_lastChild = nullptr;
-    m_nextSibling = nullptr;
+    // Instead the nodes form one pending chain through their sibling links: a
+    // node's children are spliced in front of its later siblings before the
+    // node is destroyed, so every node is destroyed childless.
+    element->m_nextSibling = nullptr;
+    CXmlElement* pending = element;
     while (pending != nullptr) {
         CXmlElement* node = pending;
         if (node->m_firstChild != nullptr) {
@@ -73,13 +92,17 @@ CXmlElement::~CXmlElement() {
             pending = node->m_nextSibling;
         }
         node->m_nextSibling = nullptr;
-        delete node;
-    }
-
-    if (m_attributes != nullptr) {
-        for (CXmlAttribute* attribute : *m_attributes) delete attribute;
-        delete m_attributes;
-        m_attributes = nullptr;
+        if (AttributeVector* attributes = node->m_attributes) {
+            for (CXmlAttribute* attribute : *attributes) {
+                attribute->~CXmlAttribute();
+                pool.Release(attribute, sizeof(CXmlAttribute));
+            }
+            attributes->~AttributeVector();
+            pool.Release(attributes, sizeof(AttributeVector));
+            node->m_attributes = nullptr;
+        }
+        node->~CXmlElement();
+        pool.Release(node, sizeof(CXmlElement));
     }
 }
 
@@ -110,17 +133,34 @@ void CXmlElement::AddAttribute(std::string_view localName, std::string_view valu
     AddAttribute(internedLocalName, std::string(value), internedNamespaceURI);
 }
 
+std::vector<CXmlAttribute*>& CXmlElement::Attributes() {
+    if (m_attributes == nullptr) m_attributes = new (PoolOf(m_document).Allocate(sizeof(AttributeVector))) AttributeVector();
+    return *m_attributes;
+}
+
+void CXmlElement::ReserveAttributes(std::size_t count) {
+    if (count == 0) return;
+    Attributes().reserve(count);
+}
+
 void CXmlElement::AddAttribute(const std::string* internedLocalName, std::string value,
                                const std::string* internedNamespaceURI) {
-    if (m_attributes == nullptr) m_attributes = new std::vector<CXmlAttribute*>();
+    AttributeVector& attributes = Attributes();
     // Make room first, so that a failure cannot leave an attribute unowned.
-    m_attributes->push_back(nullptr);
-    try {
-        m_attributes->back() =
-            new CXmlAttribute(internedLocalName, std::move(value), internedNamespaceURI);
-    } catch (...) {
-        m_attributes->pop_back();
-        throw;
+    attributes.push_back(nullptr);
+    CXmlNodePool& pool = PoolOf(m_document);
+    // Constructing from moved strings and pointers cannot throw.
+    attributes.back() = new (pool.Allocate(sizeof(CXmlAttribute)))
+        CXmlAttribute(internedLocalName, std::move(value), internedNamespaceURI);
+}
+
+void CXmlElement::AppendText(std::string_view text) {
+    if (m_text.empty()) {
+        // A string built at its size gets exactly that capacity; appending to an
+        // empty one would round a short text up to twice the inline capacity.
+        if (!text.empty()) m_text = std::string(text);
+    } else {
+        m_text.append(text.data(), text.size());
     }
 }
 
@@ -133,7 +173,7 @@ void CXmlElement::LinkChild(CXmlElement* child) noexcept {
 }
 
 CXmlElement* CXmlElement::CreateNewChildElement() {
-    CXmlElement* child = new CXmlElement(m_document);
+    CXmlElement* child = Create(m_document);
     LinkChild(child);
     return child;
 }

@@ -2,16 +2,23 @@
 
 #include <utility>
 
+#include "dom/xml_document_loading.h"
+#include "dom/xml_node_pool.h"
+
 namespace QmXmlLib10 {
 
 CXmlElement* CXmlTreeBuilder::CreateDocumentElement(CXmlDocument& document) {
-    document.m_documentElement.reset();
-    document.m_documentElement.reset(new CXmlElement(&document));
-    return document.m_documentElement.get();
+    CXmlElement::Destroy(document.m_documentElement);
+    document.m_documentElement = nullptr;
+    document.m_documentElement = CXmlElement::Create(&document);
+    return document.m_documentElement;
 }
 
 void CXmlTreeBuilder::Clear(CXmlDocument& document) noexcept {
-    document.m_documentElement.reset();
+    CXmlElement::Destroy(document.m_documentElement);
+    document.m_documentElement = nullptr;
+    // Gives the chunks back unless a removed subtree is still waiting for DestroyElement.
+    document.m_pool->Reset();
     document.m_nameTable.Clear();
 }
 
@@ -49,14 +56,30 @@ void CXmlTreeBuilder::AppendText(CXmlElement* element, const char* text, std::si
     element->AppendText(std::string_view(text, length));
 }
 
+void CXmlTreeBuilder::ReserveAttributes(CXmlElement* element, std::size_t count) {
+    element->ReserveAttributes(count);
+}
+
 CXmlElement* CXmlTreeBuilder::RemoveLastChild(CXmlElement* parent) noexcept {
     return parent->RemoveLastChildElement();
 }
 
+void CXmlTreeBuilder::DestroyElement(CXmlElement* element) noexcept {
+    if (element == nullptr) return;
+    CXmlDocument& document = const_cast<CXmlDocument&>(*element->GetDocument());
+    if (document.m_documentElement == element) document.m_documentElement = nullptr;
+    CXmlElement::Destroy(element);
+}
+
 bool CXmlTreeBuilder::DeleteLastChild(CXmlElement* parent) noexcept {
     CXmlElement* child = parent->RemoveLastChildElement();
-    delete child;
+    CXmlElement::Destroy(child);
     return child != nullptr;
+}
+
+CXmlTreeBuilder::PoolStatistics CXmlTreeBuilder::GetPoolStatistics(const CXmlDocument& document) noexcept {
+    const CXmlNodePool& pool = CXmlDocumentLoading::GetNodePool(document);
+    return PoolStatistics{pool.GetLiveCount(), pool.GetReservedBytes(), pool.GetChunkCount()};
 }
 
 }  // namespace QmXmlLib10

@@ -258,6 +258,66 @@ TEST(XmlDocumentLoad, ElementFilterDropsCompletedSubtrees) {
     EXPECT_EQ(none.GetDocumentElement()->GetText(), "13");
 }
 
+namespace {
+bool DropOrders(CXmlElement* element) { return element->GetLocalName() == "Order"; }
+
+// A root with count orders, each a small subtree with attributes and text.
+std::string OrderBook(int count) {
+    std::string xml = "<Orders xmlns='urn:o' source='test'>\n";
+    for (int i = 0; i < count; ++i) {
+        xml += "  <Order id='" + std::to_string(i) + "' note='an attribute value longer than inline'>";
+        xml += "<Customer no='7'><Name>a customer name that needs the heap</Name></Customer>";
+        xml += "<Line n='1'><Sku>ABC-1</Sku><Quantity>3</Quantity></Line>";
+        xml += "<Line n='2'><Sku>XYZ-2</Sku><Description>text &amp; more text, on the heap</Description></Line>";
+        xml += "</Order>\n";
+    }
+    return xml + "</Orders>\n";
+}
+}  // namespace
+
+TEST(XmlDocumentLoad, FilterDroppingEveryOrderKeepsMemoryBounded) {
+    const std::string xml = OrderBook(20000);  // about 7 MB
+
+    CXmlDocument whole;
+    LoadStream(whole, Bytes(xml));
+    const auto full = CXmlTreeBuilder::GetPoolStatistics(whole);
+    EXPECT_EQ(full.liveBlocks, 20000u * 18 + 3);
+    EXPECT_GT(full.reservedBytes, 20000u * 18 * 48);
+
+    CXmlDocument filtered(&DropOrders);
+    LoadStream(filtered, Bytes(xml));
+    const CXmlElement* root = filtered.GetDocumentElement();
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(root->GetFirstElement(), nullptr);
+    EXPECT_EQ(root->GetAttribute("source", ""), "test");
+    // The line breaks and indentation around the dropped orders stay.
+    EXPECT_EQ(root->GetText().size(), 1u + 20000 * 3);
+    EXPECT_EQ(root->GetText().find_first_not_of(" \n"), std::string::npos);
+    // Only the root is left, and the freed blocks of each order served the
+    // next one: the pool never grew past a few small chunks.
+    const auto trimmed = CXmlTreeBuilder::GetPoolStatistics(filtered);
+    EXPECT_EQ(trimmed.liveBlocks, 3u);  // root, its attribute vector, one attribute
+    EXPECT_LE(trimmed.reservedBytes, 16384u);
+
+    // Reloading starts from an empty pool, and so does a document cleared by a failed load.
+    LoadStream(filtered, Bytes("<a x='1'/>"));
+    EXPECT_EQ(CXmlTreeBuilder::GetPoolStatistics(filtered).liveBlocks, 3u);
+    EXPECT_EQ(StreamError(whole, Bytes("<a><b></a>")), "mismatched tag at line 1");
+    EXPECT_EQ(CXmlTreeBuilder::GetPoolStatistics(whole).liveBlocks, 2u);  // the partial tree
+}
+
+TEST(XmlDocumentLoad, LoadedAttributesAndTextTakeTheirExactSize) {
+    CXmlDocument doc;
+    doc.LoadXml("<a x='1' y='a value longer than inline' z='3'>first part<b/> and the second part</a>");
+    const CXmlElement* root = doc.GetDocumentElement();
+    ASSERT_EQ(root->GetAttributes().size(), 3u);
+    EXPECT_EQ(root->GetAttributes().capacity(), 3u);
+    EXPECT_EQ(root->GetAttribute("y", ""), "a value longer than inline");
+    EXPECT_EQ(root->GetAttributes()[1]->GetValue().capacity(), root->GetAttribute("y", "").size());
+    EXPECT_EQ(root->GetText(), "first part and the second part");
+    EXPECT_EQ(root->GetText().capacity(), root->GetText().size());
+}
+
 TEST(XmlDocumentLoad, MalformedInputReportsExpatMessageAndLine) {
     CXmlDocument doc;
     EXPECT_EQ(ErrorOf([&] { doc.LoadXml("<a>\n<b>\n</a>"); }), "mismatched tag at line 3");

@@ -3,6 +3,8 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "qmxml/dom/xml_document.h"
@@ -143,7 +145,7 @@ TEST(XmlElementTest, RemoveLastChild) {
     EXPECT_EQ(B::RemoveLastChild(root), only);
     EXPECT_EQ(root->GetFirstElement(), nullptr);
     EXPECT_EQ(B::RemoveLastChild(root), nullptr);
-    delete only;
+    B::DestroyElement(only);
     B::SetName(B::CreateChild(root), "again", "");
     EXPECT_EQ(ChildNames(root), std::vector<std::string>{"again"});
     EXPECT_TRUE(B::DeleteLastChild(root));
@@ -155,7 +157,7 @@ TEST(XmlElementTest, RemoveLastChild) {
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(c->GetLocalName(), "c");
     EXPECT_EQ(c->GetNextSiblingElement(), nullptr);
-    delete c;
+    B::DestroyElement(c);
     EXPECT_EQ(ChildNames(root), (std::vector<std::string>{"a", "b"}));
     B::SetName(B::CreateChild(root), "d", "");
     EXPECT_EQ(ChildNames(root), (std::vector<std::string>{"a", "b", "d"}));
@@ -240,7 +242,7 @@ TEST(XmlElementTest, MillionDeepChainIsBuiltAndDestroyedWithoutRecursion) {
     CXmlElement* cut = B::RemoveLastChild(top);
     ASSERT_NE(cut, nullptr);
     EXPECT_EQ(top->GetFirstElement(), nullptr);
-    delete cut;
+    B::DestroyElement(cut);
 
     // And again through the document itself.
     e = doc->GetDocumentElement();
@@ -270,4 +272,72 @@ TEST(XmlElementTest, WideAndBushyTrees) {
     EXPECT_EQ(count, kWidth);
     EXPECT_TRUE(ordered);
     EXPECT_EQ(doc.GetNameTable().GetCount(), 2u);
+}
+
+namespace {
+template <typename T, typename = void>
+struct IsDeletable : std::false_type {};
+template <typename T>
+struct IsDeletable<T, std::void_t<decltype(delete std::declval<T*>())>> : std::true_type {};
+}  // namespace
+
+// Nodes live in the document's pool: plain delete must not compile.
+static_assert(!IsDeletable<CXmlElement>::value, "elements must not be deletable");
+static_assert(!IsDeletable<CXmlAttribute>::value, "attributes must not be deletable");
+
+TEST(XmlElementTest, DestroyedNodesGoBackToTheDocumentsPool) {
+    CXmlDocument doc;
+    CXmlElement* root = B::CreateDocumentElement(doc);
+    EXPECT_EQ(B::GetPoolStatistics(doc).liveBlocks, 1u);
+    CXmlElement* child = B::CreateChild(root);
+    B::AddAttribute(child, "a", "a value long enough for the heap", "");
+    B::AddAttribute(child, "b", "2", "urn:b");
+    Append(B::CreateChild(child), "some text that does not fit inline");
+    // Root, child, grandchild, the attribute vector and two attributes.
+    EXPECT_EQ(B::GetPoolStatistics(doc).liveBlocks, 6u);
+
+    CXmlElement* removed = B::RemoveLastChild(root);
+    ASSERT_EQ(removed, child);
+    EXPECT_EQ(B::GetPoolStatistics(doc).liveBlocks, 6u);  // unlinked, not yet destroyed
+    B::DestroyElement(removed);
+    B::DestroyElement(nullptr);
+    EXPECT_EQ(B::GetPoolStatistics(doc).liveBlocks, 1u);
+
+    // Rebuilding reuses the freed blocks instead of taking more memory.
+    const std::size_t reserved = B::GetPoolStatistics(doc).reservedBytes;
+    for (int i = 0; i < 3; ++i) B::AddAttribute(B::CreateChild(root), "x", "1", "");
+    EXPECT_EQ(B::GetPoolStatistics(doc).reservedBytes, reserved);
+    EXPECT_EQ(B::GetPoolStatistics(doc).liveBlocks, 10u);
+
+    // The document element itself can be destroyed; the document then has none.
+    B::DestroyElement(doc.GetDocumentElement());
+    EXPECT_EQ(doc.GetDocumentElement(), nullptr);
+    EXPECT_EQ(B::GetPoolStatistics(doc).liveBlocks, 0u);
+
+    // Clearing gives the memory back.
+    B::CreateChild(B::CreateDocumentElement(doc));
+    B::Clear(doc);
+    EXPECT_EQ(B::GetPoolStatistics(doc).liveBlocks, 0u);
+    EXPECT_EQ(B::GetPoolStatistics(doc).reservedBytes, 0u);
+}
+
+TEST(XmlElementTest, AttributesAndTextAreStoredAtTheirSize) {
+    CXmlDocument doc;
+    CXmlElement* root = B::CreateDocumentElement(doc);
+    B::ReserveAttributes(root, 3);
+    const std::vector<CXmlAttribute*>& attributes = root->GetAttributes();
+    for (const char* name : {"a", "b", "c"}) B::AddAttribute(root, name, "v", "");
+    EXPECT_EQ(attributes.capacity(), 3u);
+    B::AddAttribute(root, "d", "v", "");  // more than reserved still works
+    EXPECT_EQ(attributes.size(), 4u);
+    EXPECT_EQ(root->GetAttribute("d", ""), "v");
+    B::ReserveAttributes(root, 0);
+    EXPECT_EQ(attributes.size(), 4u);
+
+    const std::string text(17, 't');  // just past the inline capacity
+    Append(root, text);
+    EXPECT_EQ(root->GetText(), text);
+    EXPECT_EQ(root->GetText().capacity(), text.size());
+    Append(root, "+");
+    EXPECT_EQ(root->GetText(), text + "+");
 }

@@ -14,6 +14,7 @@
 
 namespace QmXmlLib10 {
 
+class CXmlNodePool;
 class CXmlSerializationContext;
 
 // Holds the document element and the name table its nodes point into.
@@ -67,7 +68,7 @@ public:
     void LoadXmlStream(unsigned char* const data, std::uint32_t length);
 
     // The root element, or null until a tree has been built.
-    CXmlElement* GetDocumentElement() const noexcept { return m_documentElement.get(); }
+    CXmlElement* GetDocumentElement() const noexcept { return m_documentElement; }
     // The URI declared for prefix (null or "" for the default namespace)
     // anywhere in the document; a later declaration of the same prefix wins.
     // Empty when the prefix was never declared. Valid until the next load.
@@ -107,7 +108,9 @@ private:
 
     // Declared first so that it outlives the nodes pointing into it.
     mutable CXmlNameTable m_nameTable;
-    std::unique_ptr<CXmlElement> m_documentElement;
+    // Where the nodes live; nodes allocate from it through their const document.
+    std::unique_ptr<CXmlNodePool> m_pool;
+    CXmlElement* m_documentElement = nullptr;  // owned, in m_pool
     std::map<std::string, std::string> m_namespaces;
     int m_schemaType;
     ElementFilter m_filter = nullptr;

@@ -44,8 +44,9 @@ protected:
 private:
     friend class CXmlElement;
     friend class CXmlTreeBuilder;
-    // Attributes live and die with their element.
+    // Attributes live and die with their element, in the document's node pool.
     ~CXmlAttribute();
+    static void operator delete(void*) noexcept = delete;
 
     const std::string* m_localName;
     const std::string* m_namespaceURI;
@@ -61,12 +62,12 @@ private:
 // threads at once. The layout is kept small on purpose (no virtual functions,
 // names interned, attribute vector allocated only when needed) because a
 // loaded document has millions of these.
+//
+// Nodes live in their document's node pool, so they cannot be deleted with
+// `delete`: the document destroys its tree, and a subtree unlinked with
+// CXmlTreeBuilder::RemoveLastChild goes back with CXmlTreeBuilder::DestroyElement.
 class CXmlElement final : public CInstanceMonitor {
 public:
-    // Destroys the whole subtree and the attributes. The element must already
-    // be unlinked from its parent (see CXmlTreeBuilder::RemoveLastChild).
-    // Works without recursion, so any depth is safe.
-    ~CXmlElement();
     CXmlElement(const CXmlElement&) = delete;
     CXmlElement& operator=(const CXmlElement&) = delete;
 
@@ -115,23 +116,39 @@ protected:
     void AddAttribute(const std::string* internedLocalName, std::string value,
                       const std::string* internedNamespaceURI);
 
-    void AppendText(const char* text) { m_text.append(text); }
+    void AppendText(const char* text) { AppendText(std::string_view(text)); }
     // A negative length appends nothing.
     void AppendText(const char* text, int length) {
-        if (length > 0) m_text.append(text, static_cast<std::size_t>(length));
+        if (length > 0) AppendText(std::string_view(text, static_cast<std::size_t>(length)));
     }
-    void AppendText(std::string_view text) { m_text.append(text.data(), text.size()); }
+    void AppendText(std::string_view text);
 
     // A new empty element of the same document, linked as the last child.
     CXmlElement* CreateNewChildElement();
-    // Unlinks the last child and returns it (the caller deletes it); null when
-    // there is no child. Walks the child list, so it costs the number of children.
+    // Unlinks the last child and returns it (the caller destroys it with
+    // Destroy); null when there is no child. Walks the child list, so it
+    // costs the number of children.
     CXmlElement* RemoveLastChildElement() noexcept;
+    // Sizes the attribute vector for count attributes in all, so that adding
+    // them allocates once.
+    void ReserveAttributes(std::size_t count);
+
+    // A new empty element of document, in its node pool.
+    static CXmlElement* Create(const CXmlDocument* document);
+    // Destroys element, its whole subtree and their attributes, returning the
+    // memory to the document's pool. Works without recursion, so any depth is
+    // safe. The element must not be linked to a parent.
+    static void Destroy(CXmlElement* element) noexcept;
 
 private:
     static const std::vector<CXmlAttribute*> s_noAttributes;
 
+    // Only through Destroy: the memory belongs to the pool.
+    ~CXmlElement();
+    static void operator delete(void*) noexcept = delete;
+
     void LinkChild(CXmlElement* child) noexcept;
+    std::vector<CXmlAttribute*>& Attributes();
 
     const CXmlDocument* m_document;
     CXmlElement* m_nextSibling = nullptr;

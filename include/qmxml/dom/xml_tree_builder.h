@@ -16,8 +16,9 @@ namespace QmXmlLib10 {
 //
 // Typical loader use: CreateDocumentElement on the first start tag, CreateChild
 // for each nested start tag, SetName and AddAttribute right after creation,
-// AppendText for every run of character data, RemoveLastChild or
-// DeleteLastChild to drop a completed child that a filter rejects.
+// AppendText for every run of character data, DeleteLastChild (or
+// RemoveLastChild then DestroyElement) to drop a completed child that a filter
+// rejects.
 //
 // Names given as string views are interned in the document's name table. The
 // overloads taking `const std::string*` expect names already interned in the
@@ -43,6 +44,10 @@ public:
     static void SetName(CXmlElement* element, const std::string* internedLocalName,
                         const std::string* internedNamespaceURI) noexcept;
 
+    // Sizes element's attribute storage for count attributes in all; a loader
+    // that knows the count up front (Expat hands them over together) saves the
+    // vector's regrowth. Optional.
+    static void ReserveAttributes(CXmlElement* element, std::size_t count);
     // Appends an attribute in document order; duplicates are not checked.
     static void AddAttribute(CXmlElement* element, std::string_view localName,
                              std::string_view value, std::string_view namespaceURI);
@@ -52,11 +57,27 @@ public:
     // Appends character data to the element's text, byte for byte.
     static void AppendText(CXmlElement* element, const char* text, std::size_t length);
 
-    // Unlinks the last child of parent and returns it; the caller deletes it.
-    // Null when parent has no child. Costs the number of parent's children.
+    // Unlinks the last child of parent and returns it; the caller must hand it
+    // to DestroyElement (nodes live in the document's pool and cannot be
+    // deleted). Null when parent has no child. Costs the number of parent's
+    // children.
     static CXmlElement* RemoveLastChild(CXmlElement* parent) noexcept;
+    // Destroys an element that has no parent (one returned by RemoveLastChild,
+    // or the document element, which the document then no longer has), with
+    // its subtree and attributes, without recursion. Null does nothing.
+    static void DestroyElement(CXmlElement* element) noexcept;
     // Unlinks and destroys the last child of parent; false when there was none.
     static bool DeleteLastChild(CXmlElement* parent) noexcept;
+
+    // What the document's node pool holds: blocks in use (elements, attributes
+    // and attribute vectors each count one) and the memory reserved for them.
+    // Lets tests check that trimming the tree while loading bounds memory.
+    struct PoolStatistics {
+        std::size_t liveBlocks;
+        std::size_t reservedBytes;
+        std::size_t chunks;
+    };
+    static PoolStatistics GetPoolStatistics(const CXmlDocument& document) noexcept;
 };
 
 }  // namespace QmXmlLib10
