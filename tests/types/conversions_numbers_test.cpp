@@ -1,0 +1,72 @@
+#include <qmxml/types/conversions.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <typeinfo>
+
+#include <qmxml/core/exception.h>
+#include <qmxml/types/big_integer.h>
+#include <qmxml/types/decimal.h>
+
+using namespace QmXmlLib10;
+
+namespace {
+
+using C = CConversions;
+constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
+constexpr auto kReplace = CWhitespaceUtils::WhitespaceRule_Replace;
+constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+
+template <typename Exception, typename Fn>
+void ExpectThrow(Fn fn, const std::string& message) {
+    try {
+        fn();
+        ADD_FAILURE() << "no exception, expected: " << message;
+    } catch (const CQmException& e) {
+        EXPECT_EQ(typeid(Exception), typeid(e)) << e.GetMessage();
+        EXPECT_EQ(message, e.GetMessage());
+    }
+}
+
+std::string InvalidChar(int position, const std::string& text) {
+    return "The string representing a Decimal, contained an invalid char at position " + std::to_string(position) +
+           " [" + text + "]";
+}
+
+TEST(ConversionsNumbersTest, DecimalFromStringAppliesTheRuleFirst) {
+    EXPECT_EQ("1.5", C::decimalFromString("\t1.50\r\n", kCollapse).ToString());
+    EXPECT_EQ("-150", C::decimalFromString("-1.5E2", kNone).ToString());
+    // The parser itself skips nothing; the quoted text is the text after the rule.
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString(" 1.5", kNone); }, InvalidChar(0, " 1.5"));
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString("\t1.5", kReplace); }, InvalidChar(0, " 1.5"));
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString(" 1 5 ", kCollapse); }, InvalidChar(1, "1 5"));
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString("", kCollapse); }, InvalidChar(0, ""));
+    ExpectThrow<CQmException>([] { C::decimalFromString("1", static_cast<CWhitespaceUtils::WhitespaceRule>(7)); },
+                              "Unknown WhitespaceRule");
+}
+
+TEST(ConversionsNumbersTest, DecimalToStringReadsTheFormatAsPlaces) {
+    const CDecimal value("2.345");
+    EXPECT_EQ("2.345", C::decimalToString(value));
+    EXPECT_EQ("2.345", C::decimalToString(value, ""));
+    EXPECT_EQ("2.35", C::decimalToString(value, "2"));
+    EXPECT_EQ("2.3450", C::decimalToString(value, "4xyz"));
+    EXPECT_EQ("2", C::decimalToString(value, "abc"));  // no number reads as 0
+    EXPECT_EQ("2", C::decimalToString(value, "-3"));
+    EXPECT_EQ("0.50", C::decimalToString(CDecimal("0.5"), " 2"));
+}
+
+TEST(ConversionsNumbersTest, IntegerRoundTripAndErrors) {
+    EXPECT_EQ("-42", C::integerFromString(" -42 ", kNone).ToString());
+    EXPECT_EQ("42", C::integerFromString("\n+42\t", kCollapse).ToString());
+    EXPECT_EQ("1", C::integerFromString("1.9", kCollapse).ToString());
+    EXPECT_EQ("0", C::integerToString(C::integerFromString("-0", kNone)));
+    const std::string big = "-123456789012345678901234567890";
+    EXPECT_EQ(big, C::integerToString(C::integerFromString(big, kCollapse)));
+    ExpectThrow<CQmInvalidValueException>([] { C::integerFromString("12x", kCollapse); }, InvalidChar(2, "12x"));
+    ExpectThrow<CQmInvalidValueException>([] { C::integerFromString("1 2", kCollapse); }, InvalidChar(1, "1 2"));
+    ExpectThrow<CQmInvalidValueException>([] { C::integerFromString("", kNone); }, InvalidChar(0, ""));
+}
+
+}  // namespace
