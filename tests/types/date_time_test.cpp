@@ -262,30 +262,28 @@ TEST(DateTimeTest, FractionPrintsGroupsUpToTheLastNonZero) {
 }
 
 TEST(DateTimeTest, GettersAndSettersCheckTheType) {
+    // Setters report the getter's name.
+    auto wrongType = [](const char* field, const char* type) {
+        return std::string("Failed to Get") + field + ". Invalid Date Type: " + type + ".";
+    };
     DT time = Time("10:00:00");
-    ExpectState([&] { time.GetYear(); }, "Failed to GetYear. Invalid Date Type: time.");
-    ExpectState([&] { time.SetYear(2000); }, "Failed to GetYear. Invalid Date Type: time.");
-    ExpectState([&] { time.GetMonth(); }, "Failed to GetMonth. Invalid Date Type: time.");
-    ExpectState([&] { time.SetMonth(1); }, "Failed to GetMonth. Invalid Date Type: time.");
-    ExpectState([&] { time.GetDay(); }, "Failed to GetDay. Invalid Date Type: time.");
-    ExpectState([&] { time.SetDay(1); }, "Failed to GetDay. Invalid Date Type: time.");
-    ExpectState([&] { time.GetDayOfWeek(); }, "Failed to GetDayOfWeek. Invalid Date Type: time.");
-    ExpectState([&] { time.GetDayOfYear(); }, "Failed to GetDayOfYear. Invalid Date Type: time.");
+    ExpectState([&] { time.GetYear(); }, wrongType("Year", "time"));
+    ExpectState([&] { time.SetYear(2000); }, wrongType("Year", "time"));
+    ExpectState([&] { time.GetMonth(); }, wrongType("Month", "time"));
+    ExpectState([&] { time.SetMonth(1); }, wrongType("Month", "time"));
+    ExpectState([&] { time.GetDay(); }, wrongType("Day", "time"));
+    ExpectState([&] { time.SetDay(1); }, wrongType("Day", "time"));
+    ExpectState([&] { time.GetDayOfWeek(); }, wrongType("DayOfWeek", "time"));
+    ExpectState([&] { time.GetDayOfYear(); }, wrongType("DayOfYear", "time"));
 
     DT date = Date("2001-10-26");
-    ExpectState([&] { date.GetHour(); }, "Failed to GetHour. Invalid Date Type: date.");
-    ExpectState([&] { date.SetHour(1); }, "Failed to GetHour. Invalid Date Type: date.");
-    ExpectState([&] { date.GetMinute(); }, "Failed to GetMinute. Invalid Date Type: date.");
-    ExpectState([&] { date.SetMinute(1); }, "Failed to GetMinute. Invalid Date Type: date.");
-    ExpectState([&] { date.GetSecond(); }, "Failed to GetSecond. Invalid Date Type: date.");
-    ExpectState([&] { date.SetSecond(1); }, "Failed to GetSecond. Invalid Date Type: date.");
-    ExpectState([&] { date.GetRealSecond(); }, "Failed to GetRealSecond. Invalid Date Type: date.");
-    ExpectState([&] { date.GetMilliSecond(); }, "Failed to GetMilliSecond. Invalid Date Type: date.");
-    ExpectState([&] { date.SetMilliSecond(1); }, "Failed to GetMilliSecond. Invalid Date Type: date.");
-    ExpectState([&] { date.GetMicroSecond(); }, "Failed to GetMicroSecond. Invalid Date Type: date.");
-    ExpectState([&] { date.SetMicroSecond(1); }, "Failed to GetMicroSecond. Invalid Date Type: date.");
-    ExpectState([&] { date.GetNanoSecond(); }, "Failed to GetNanoSecond. Invalid Date Type: date.");
-    ExpectState([&] { date.SetNanoSecond(1); }, "Failed to GetNanoSecond. Invalid Date Type: date.");
+    ExpectState([&] { date.SetHour(1); }, wrongType("Hour", "date"));
+    ExpectState([&] { date.SetMinute(1); }, wrongType("Minute", "date"));
+    ExpectState([&] { date.SetSecond(1); }, wrongType("Second", "date"));
+    ExpectState([&] { date.GetRealSecond(); }, wrongType("RealSecond", "date"));
+    ExpectState([&] { date.SetMilliSecond(1); }, wrongType("MilliSecond", "date"));
+    ExpectState([&] { date.SetMicroSecond(1); }, wrongType("MicroSecond", "date"));
+    ExpectState([&] { date.GetNanoSecond(); }, wrongType("NanoSecond", "date"));
     ExpectState([&] { date.GetZoneHour(); }, "TimeZone is not been used");
     ExpectState([&] { date.GetZoneMinute(); }, "TimeZone is not been used");
     ExpectState([&] { date.GetTimeZoneOffset(); }, "TimeZone is not been used");

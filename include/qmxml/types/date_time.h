@@ -65,7 +65,8 @@ public:
     explicit CDateTime(DTType type);
     // Parses as ParseXSDDateTime.
     CDateTime(const char* text);  // NOLINT: implicit on purpose, as a literal value
-    // A dateTime in UTC ("Z") from seconds since 1970-01-01T00:00:00Z.
+    // A dateTime in UTC ("Z") from seconds since 1970-01-01T00:00:00Z (a
+    // literal 0 is also a null text: write std::int64_t{0}).
     // Outside the year range throws "The time_t value [%lld] is outside the date range".
     explicit CDateTime(std::int64_t time);
     // A dateTime without zone, fields as given (wDayOfWeek ignored); validated.
