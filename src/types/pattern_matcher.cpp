@@ -1,0 +1,368 @@
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include "types/pattern_matcher.h"
+
+#include <pcre2.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <unordered_map>
+
+#include <qmxml/core/exception.h>
+
+#include "platform/charset.h"
+
+namespace QmXmlLib10 {
+namespace patterns {
+
+namespace {
+
+// Bounds on one match, so that catastrophic backtracking ends in an exception
+// instead of hanging the caller or exhausting memory.
+constexpr std::uint32_t kMatchLimit = 10000000;  // backtracking steps
+constexpr std::uint32_t kHeapLimitKiB = 64 * 1024;  // backtracking frames
+// Patterns come from static metadata, so the cache stays small; a caller
+// inventing patterns without end only makes it start over.
+constexpr std::size_t kMaxCachedPatterns = 4096;
+// Match data keeps its backtracking frames between calls; after long values
+// they are given back rather than kept for the thread's lifetime.
+constexpr std::size_t kKeepFramesUpTo = 4096;
+
+const std::uint32_t kCompileOptions = PCRE2_UTF | PCRE2_UCP | PCRE2_DOLLAR_ENDONLY;
+
+// XML Schema's block escapes: the class body of each block's code points.
+// The first four keep their historical octal spelling. An empty body is a
+// block no UTF-8 text can hold (surrogates).
+struct Block {
+    const char* name;
+    const char* ranges;
+};
+
+const Block kBlocks[] = {
+    {"BasicLatin", "\\000-\\177"},
+    {"Latin-1Supplement", "\\200-\\377"},
+    {"LatinExtended-A", "\\400-\\577"},
+    {"LatinExtended-B", "\\600-\\x{24F}"},
+    {"IPAExtensions", "\\x{250}-\\x{2AF}"},
+    {"SpacingModifierLetters", "\\x{2B0}-\\x{2FF}"},
+    {"CombiningDiacriticalMarks", "\\x{300}-\\x{36F}"},
+    {"Greek", "\\x{370}-\\x{3FF}"},
+    {"Cyrillic", "\\x{400}-\\x{4FF}"},
+    {"Armenian", "\\x{530}-\\x{58F}"},
+    {"Hebrew", "\\x{590}-\\x{5FF}"},
+    {"Arabic", "\\x{600}-\\x{6FF}"},
+    {"Syriac", "\\x{700}-\\x{74F}"},
+    {"Thaana", "\\x{780}-\\x{7BF}"},
+    {"Devanagari", "\\x{900}-\\x{97F}"},
+    {"Bengali", "\\x{980}-\\x{9FF}"},
+    {"Gurmukhi", "\\x{A00}-\\x{A7F}"},
+    {"Gujarati", "\\x{A80}-\\x{AFF}"},
+    {"Oriya", "\\x{B00}-\\x{B7F}"},
+    {"Tamil", "\\x{B80}-\\x{BFF}"},
+    {"Telugu", "\\x{C00}-\\x{C7F}"},
+    {"Kannada", "\\x{C80}-\\x{CFF}"},
+    {"Malayalam", "\\x{D00}-\\x{D7F}"},
+    {"Sinhala", "\\x{D80}-\\x{DFF}"},
+    {"Thai", "\\x{E00}-\\x{E7F}"},
+    {"Lao", "\\x{E80}-\\x{EFF}"},
+    {"Tibetan", "\\x{F00}-\\x{FFF}"},
+    {"Myanmar", "\\x{1000}-\\x{109F}"},
+    {"Georgian", "\\x{10A0}-\\x{10FF}"},
+    {"HangulJamo", "\\x{1100}-\\x{11FF}"},
+    {"Ethiopic", "\\x{1200}-\\x{137F}"},
+    {"Cherokee", "\\x{13A0}-\\x{13FF}"},
+    {"UnifiedCanadianAboriginalSyllabics", "\\x{1400}-\\x{167F}"},
+    {"Ogham", "\\x{1680}-\\x{169F}"},
+    {"Runic", "\\x{16A0}-\\x{16FF}"},
+    {"Khmer", "\\x{1780}-\\x{17FF}"},
+    {"Mongolian", "\\x{1800}-\\x{18AF}"},
+    {"LatinExtendedAdditional", "\\x{1E00}-\\x{1EFF}"},
+    {"GreekExtended", "\\x{1F00}-\\x{1FFF}"},
+    {"GeneralPunctuation", "\\x{2000}-\\x{206F}"},
+    {"SuperscriptsandSubscripts", "\\x{2070}-\\x{209F}"},
+    {"CurrencySymbols", "\\x{20A0}-\\x{20CF}"},
+    {"CombiningMarksforSymbols", "\\x{20D0}-\\x{20FF}"},
+    {"LetterlikeSymbols", "\\x{2100}-\\x{214F}"},
+    {"NumberForms", "\\x{2150}-\\x{218F}"},
+    {"Arrows", "\\x{2190}-\\x{21FF}"},
+    {"MathematicalOperators", "\\x{2200}-\\x{22FF}"},
+    {"MiscellaneousTechnical", "\\x{2300}-\\x{23FF}"},
+    {"ControlPictures", "\\x{2400}-\\x{243F}"},
+    {"OpticalCharacterRecognition", "\\x{2440}-\\x{245F}"},
+    {"EnclosedAlphanumerics", "\\x{2460}-\\x{24FF}"},
+    {"BoxDrawing", "\\x{2500}-\\x{257F}"},
+    {"BlockElements", "\\x{2580}-\\x{259F}"},
+    {"GeometricShapes", "\\x{25A0}-\\x{25FF}"},
+    {"MiscellaneousSymbols", "\\x{2600}-\\x{26FF}"},
+    {"Dingbats", "\\x{2700}-\\x{27BF}"},
+    {"BraillePatterns", "\\x{2800}-\\x{28FF}"},
+    {"CJKRadicalsSupplement", "\\x{2E80}-\\x{2EFF}"},
+    {"KangxiRadicals", "\\x{2F00}-\\x{2FDF}"},
+    {"IdeographicDescriptionCharacters", "\\x{2FF0}-\\x{2FFF}"},
+    {"CJKSymbolsandPunctuation", "\\x{3000}-\\x{303F}"},
+    {"Hiragana", "\\x{3040}-\\x{309F}"},
+    {"Katakana", "\\x{30A0}-\\x{30FF}"},
+    {"Bopomofo", "\\x{3100}-\\x{312F}"},
+    {"HangulCompatibilityJamo", "\\x{3130}-\\x{318F}"},
+    {"Kanbun", "\\x{3190}-\\x{319F}"},
+    {"BopomofoExtended", "\\x{31A0}-\\x{31BF}"},
+    {"EnclosedCJKLettersandMonths", "\\x{3200}-\\x{32FF}"},
+    {"CJKCompatibility", "\\x{3300}-\\x{33FF}"},
+    {"CJKUnifiedIdeographsExtensionA", "\\x{3400}-\\x{4DB5}"},
+    {"CJKUnifiedIdeographs", "\\x{4E00}-\\x{9FFF}"},
+    {"YiSyllables", "\\x{A000}-\\x{A48F}"},
+    {"YiRadicals", "\\x{A490}-\\x{A4CF}"},
+    {"HangulSyllables", "\\x{AC00}-\\x{D7A3}"},
+    {"HighSurrogates", ""},
+    {"HighPrivateUseSurrogates", ""},
+    {"LowSurrogates", ""},
+    {"PrivateUse", "\\x{E000}-\\x{F8FF}\\x{F0000}-\\x{FFFFD}\\x{100000}-\\x{10FFFD}"},
+    {"CJKCompatibilityIdeographs", "\\x{F900}-\\x{FAFF}"},
+    {"AlphabeticPresentationForms", "\\x{FB00}-\\x{FB4F}"},
+    {"ArabicPresentationForms-A", "\\x{FB50}-\\x{FDFF}"},
+    {"CombiningHalfMarks", "\\x{FE20}-\\x{FE2F}"},
+    {"CJKCompatibilityForms", "\\x{FE30}-\\x{FE4F}"},
+    {"SmallFormVariants", "\\x{FE50}-\\x{FE6F}"},
+    {"ArabicPresentationForms-B", "\\x{FE70}-\\x{FEFE}"},
+    {"Specials", "\\x{FEFF}\\x{FFF0}-\\x{FFFD}"},
+    {"HalfwidthandFullwidthForms", "\\x{FF00}-\\x{FFEF}"},
+    {"OldItalic", "\\x{10300}-\\x{1032F}"},
+    {"Gothic", "\\x{10330}-\\x{1034F}"},
+    {"Deseret", "\\x{10400}-\\x{1044F}"},
+    {"ByzantineMusicalSymbols", "\\x{1D000}-\\x{1D0FF}"},
+    {"MusicalSymbols", "\\x{1D100}-\\x{1D1FF}"},
+    {"MathematicalAlphanumericSymbols", "\\x{1D400}-\\x{1D7FF}"},
+    {"CJKUnifiedIdeographsExtensionB", "\\x{20000}-\\x{2A6D6}"},
+    {"CJKCompatibilityIdeographsSupplement", "\\x{2F800}-\\x{2FA1F}"},
+    {"Tags", "\\x{E0000}-\\x{E007F}"},
+};
+
+const Block* FindBlock(const char* name, std::size_t length) {
+    for (const Block& block : kBlocks) {
+        if (std::strlen(block.name) == length && std::memcmp(block.name, name, length) == 0) return &block;
+    }
+    return nullptr;
+}
+
+// At text[pos] a backslash followed by 'p' or 'P': appends the block's class
+// and returns the length consumed, or 0 when this is no block escape.
+std::size_t TranslateBlock(const std::string& text, std::size_t pos, std::string& out) {
+    const bool negated = text[pos + 1] == 'P';
+    if (text.compare(pos + 2, 3, "{Is") != 0) return 0;
+    const std::size_t nameStart = pos + 5;
+    const std::size_t close = text.find('}', nameStart);
+    if (close == std::string::npos) return 0;
+    const Block* block = FindBlock(text.data() + nameStart, close - nameStart);
+    if (!block) return 0;
+    if (*block->ranges == '\0') {
+        out += negated ? "[\\x{0}-\\x{10FFFF}]" : "[^\\x{0}-\\x{10FFFF}]";
+    } else {
+        out += negated ? "[^" : "[";
+        out += block->ranges;
+        out += ']';
+    }
+    return close + 1 - pos;
+}
+
+// PCRE2 objects owned by RAII holders.
+struct CodeDeleter {
+    void operator()(pcre2_code* code) const { pcre2_code_free(code); }
+};
+using CodePtr = std::unique_ptr<pcre2_code, CodeDeleter>;
+
+struct MatchDataDeleter {
+    void operator()(pcre2_match_data* data) const { pcre2_match_data_free(data); }
+};
+using MatchDataPtr = std::unique_ptr<pcre2_match_data, MatchDataDeleter>;
+
+// Shared read-only by every thread once built.
+const pcre2_compile_context* CompileContext() {
+    struct Holder {
+        pcre2_compile_context* context = pcre2_compile_context_create(nullptr);
+        Holder() {
+            if (!context) throw std::bad_alloc();
+            // "." excludes CR and LF, as in XML Schema.
+            pcre2_set_newline(context, PCRE2_NEWLINE_ANYCRLF);
+        }
+        ~Holder() { pcre2_compile_context_free(context); }
+    };
+    static const Holder holder;
+    return holder.context;
+}
+
+pcre2_match_context* MatchContext() {
+    struct Holder {
+        pcre2_match_context* context = pcre2_match_context_create(nullptr);
+        Holder() {
+            if (!context) throw std::bad_alloc();
+            pcre2_set_match_limit(context, kMatchLimit);
+            pcre2_set_depth_limit(context, kMatchLimit);
+            pcre2_set_heap_limit(context, kHeapLimitKiB);
+        }
+        ~Holder() { pcre2_match_context_free(context); }
+    };
+    static const Holder holder;
+    return holder.context;
+}
+
+MatchDataPtr NewMatchData() {
+    // Only whether there is a match matters: one offset pair is enough.
+    MatchDataPtr data(pcre2_match_data_create(1, nullptr));
+    if (!data) throw std::bad_alloc();
+    return data;
+}
+
+std::string ErrorText(int code) {
+    PCRE2_UCHAR buffer[256];
+    if (pcre2_get_error_message(code, buffer, sizeof buffer) < 0) return FormatString("PCRE2 error %d", code);
+    return reinterpret_cast<const char*>(buffer);
+}
+
+// A compiled pattern, or the reason it did not compile.
+struct Compiled {
+    CodePtr code;
+    std::string error;
+};
+
+Compiled Compile(const std::string& utf8Pattern) {
+    const std::string source = Translate(utf8Pattern);
+    int errorCode = 0;
+    PCRE2_SIZE errorOffset = 0;
+    Compiled result;
+    result.code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(source.data()), source.size(), kCompileOptions,
+                                    &errorCode, &errorOffset, const_cast<pcre2_compile_context*>(CompileContext())));
+    if (!result.code) result.error = ErrorText(errorCode);
+    return result;
+}
+
+[[noreturn]] void ThrowInvalidPattern(const std::string& xsdPattern, const std::string& error) {
+    throw CQmException(
+        FormatString("Invalid Regular Expression: %s Error: '%s'", xsdPattern.c_str(), error.c_str()));
+}
+
+bool Run(const pcre2_code* code, pcre2_match_data* data, const std::string& value, const std::string& xsdPattern) {
+    const int rc = pcre2_match(code, reinterpret_cast<PCRE2_SPTR>(value.data()), value.size(), 0, 0, data,
+                               MatchContext());
+    if (rc >= 0) return true;
+    if (rc == PCRE2_ERROR_NOMATCH) return false;
+    throw CQmException(FormatString("Failed to match the Regular Expression: %s Error: '%s'", xsdPattern.c_str(),
+                                    ErrorText(rc).c_str()));
+}
+
+// Process-wide cache; entries are shared so that a thread still matching with
+// one survives the cache starting over.
+struct Cache {
+    std::mutex mutex;
+    std::unordered_map<std::string, std::shared_ptr<const Compiled>> entries;
+};
+
+Cache& TheCache() {
+    static Cache cache;
+    return cache;
+}
+
+std::shared_ptr<const Compiled> Lookup(const std::string& utf8Pattern) {
+    Cache& cache = TheCache();
+    std::lock_guard<std::mutex> lock(cache.mutex);
+    auto found = cache.entries.find(utf8Pattern);
+    if (found != cache.entries.end()) return found->second;
+    // Compiling under the lock makes it happen once per pattern; it takes
+    // microseconds for patterns of schema size.
+    auto compiled = std::make_shared<const Compiled>(Compile(utf8Pattern));
+    if (cache.entries.size() >= kMaxCachedPatterns) cache.entries.clear();
+    cache.entries.emplace(utf8Pattern, compiled);
+    return compiled;
+}
+
+// The local-encoding text as UTF-8: the text itself when no conversion is
+// needed, else converted into scratch.
+const std::string& AsUtf8(const std::string& text, std::string& scratch) {
+    if (platform::LocalIsUtf8()) return text;
+    scratch.clear();
+    platform::LocalToUtf8(text.data(), text.size(), scratch);
+    return scratch;
+}
+
+}  // namespace
+
+std::string Translate(const std::string& pattern) {
+    // One left-to-right pass does what the replacement steps do in sequence:
+    // an escaped backslash is consumed first, so no step sees its second half.
+    std::string out = "^(?:";
+    out.reserve(pattern.size() + 16);
+    std::size_t pos = 0;
+    while (pos < pattern.size()) {
+        const char c = pattern[pos];
+        if (c != '\\' || pos + 1 == pattern.size()) {
+            out += c;
+            ++pos;
+            continue;
+        }
+        const char next = pattern[pos + 1];
+        const char* replacement = nullptr;
+        switch (next) {
+            case 'i': replacement = "([^\\W\\d]|:)"; break;
+            case 'I': replacement = "([\\W\\d])"; break;
+            case 'c': replacement = "(\\w|\\.|-|:)"; break;
+            case 'C': replacement = "([^\\w\\.\\-\\:])"; break;
+            case 'p':
+            case 'P':
+                if (std::size_t used = TranslateBlock(pattern, pos, out)) {
+                    pos += used;
+                    continue;
+                }
+                break;
+            default: break;
+        }
+        if (replacement) {
+            out += replacement;
+        } else {
+            out += c;
+            out += next;
+        }
+        pos += 2;
+    }
+    out += ")$";
+    return out;
+}
+
+bool Match(const std::string& value, const std::string& xsdPattern) {
+    std::string patternScratch;
+    std::string valueScratch;
+    const std::shared_ptr<const Compiled> compiled = Lookup(AsUtf8(xsdPattern, patternScratch));
+    if (!compiled->code) ThrowInvalidPattern(xsdPattern, compiled->error);
+    const std::string& utf8Value = AsUtf8(value, valueScratch);
+
+    thread_local MatchDataPtr data = NewMatchData();
+    struct ReleaseLargeFrames {
+        MatchDataPtr& data;
+        bool release;
+        ~ReleaseLargeFrames() {
+            if (release) data.reset();
+        }
+    };
+    if (!data) data = NewMatchData();
+    ReleaseLargeFrames guard{data, utf8Value.size() > kKeepFramesUpTo};
+    return Run(compiled->code.get(), data.get(), utf8Value, xsdPattern);
+}
+
+bool MatchUncached(const std::string& value, const std::string& xsdPattern) {
+    std::string patternScratch;
+    std::string valueScratch;
+    const Compiled compiled = Compile(AsUtf8(xsdPattern, patternScratch));
+    if (!compiled.code) ThrowInvalidPattern(xsdPattern, compiled.error);
+    MatchDataPtr data(pcre2_match_data_create_from_pattern(compiled.code.get(), nullptr));
+    if (!data) throw std::bad_alloc();
+    return Run(compiled.code.get(), data.get(), AsUtf8(value, valueScratch), xsdPattern);
+}
+
+std::size_t CachedCount() {
+    Cache& cache = TheCache();
+    std::lock_guard<std::mutex> lock(cache.mutex);
+    return cache.entries.size();
+}
+
+}  // namespace patterns
+}  // namespace QmXmlLib10
