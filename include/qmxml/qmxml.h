@@ -21,10 +21,18 @@
 #include "qmxml/writer/xml_writer.h"
 
 #include "qmxml/collections/element.h"
+#include "qmxml/collections/primitive_collections.h"
+#include "qmxml/collections/type_collection.h"
 #include "qmxml/collections/wildcards.h"
 #include "qmxml/collections/xml_collection.h"
 
 #include "qmxml/types/binary_data.h"
+#include "qmxml/types/variant.h"
+#include "qmxml/types/restrictions.h"
+#include "qmxml/types/decimal.h"
+#include "qmxml/types/date_time_span.h"
+#include "qmxml/types/date_time.h"
+#include "qmxml/types/big_integer.h"
 #include "qmxml/types/conversions.h"
 #include "qmxml/types/whitespace.h"
 
