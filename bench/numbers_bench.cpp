@@ -9,6 +9,9 @@
 //
 // usage: numbers_bench [Google Benchmark flags]
 #include <benchmark/benchmark.h>
+
+#include <qmxml/types/conversions.h>
+#include <qmxml/types/whitespace.h>
 #include <gmp.h>
 
 #include <qmxml/types/big_integer.h>
@@ -119,6 +122,39 @@ void BM_DecimalParse_FromChars(benchmark::State& state) {
     Items(state);
 }
 BENCHMARK(BM_DecimalParse_FromChars);
+
+// The double type's own conversions (r8), against strtod and snprintf.
+void BM_DoubleParse(benchmark::State& state) {
+    const auto& in = GetInputs();
+    for (auto _ : state) {
+        for (const auto& text : in.decimalTexts) {
+            benchmark::DoNotOptimize(CConversions::r8FromString(text, CWhitespaceUtils::WhitespaceRule_Collapse));
+        }
+    }
+    Items(state);
+}
+BENCHMARK(BM_DoubleParse);
+
+void BM_DoublePrint(benchmark::State& state) {
+    const auto& in = GetInputs();
+    for (auto _ : state) {
+        for (double d : in.doubles) benchmark::DoNotOptimize(CConversions::r8ToString(d));
+    }
+    Items(state);
+}
+BENCHMARK(BM_DoublePrint);
+
+void BM_DoublePrint_Snprintf(benchmark::State& state) {
+    const auto& in = GetInputs();
+    char buffer[48];
+    for (auto _ : state) {
+        for (double d : in.doubles) {
+            benchmark::DoNotOptimize(std::snprintf(buffer, sizeof buffer, "%.17g", d));
+        }
+    }
+    Items(state);
+}
+BENCHMARK(BM_DoublePrint_Snprintf);
 
 void BM_DecimalPrint(benchmark::State& state) {
     const auto& in = GetInputs();
@@ -354,6 +390,8 @@ int main(int argc, char** argv) {
     reporter.PrintRatio("BM_DecimalPrint", "BM_DecimalPrint_ToChars");
     reporter.PrintRatio("BM_IntegerParse", "BM_IntegerParse_FromChars");
     reporter.PrintRatio("BM_IntegerPrint", "BM_IntegerPrint_ToChars");
+    reporter.PrintRatio("BM_DoubleParse", "BM_DecimalParse_Strtod");
+    reporter.PrintRatio("BM_DoublePrint", "BM_DoublePrint_Snprintf");
     reporter.PrintRatio("BM_DoubleToDecimal", "BM_DoubleToDecimal_ToCharsFixed13");
     reporter.PrintRatio("BM_DecimalToDouble", "BM_DecimalToDouble_FromChars");
     reporter.PrintRatio("BM_BigMultiply1000", "BM_BigMultiply1000_Gmp");
