@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <new>
 #include <string_view>
 
@@ -18,6 +17,42 @@ namespace {
 
 constexpr char kSeparator = '|';
 constexpr std::size_t kInitialCacheSlots = 64;
+constexpr std::size_t kShortRun = 64;
+
+// Names are short: an inline comparison beats a call to memcmp.
+bool SameBytes(const char* a, const char* b, std::size_t length) noexcept {
+    for (; length >= 8; a += 8, b += 8, length -= 8) {
+        std::uint64_t x, y;
+        std::memcpy(&x, a, 8);
+        std::memcpy(&y, b, 8);
+        if (x != y) return false;
+    }
+    for (; length > 0; ++a, ++b, --length)
+        if (*a != *b) return false;
+    return true;
+}
+
+std::uint64_t Load64(const char* p) noexcept {
+    std::uint64_t word;
+    std::memcpy(&word, p, sizeof word);
+    return word;
+}
+
+// A document uses a few dozen names, so a cheap hash of the length and the
+// first and last eight bytes tells them apart; the cache compares the whole
+// name anyway. Expanded names share the namespace prefix, hence the tail.
+std::size_t QuickHash(const char* name, std::size_t length) noexcept {
+    std::uint64_t h = length * 0x9e3779b97f4a7c15ull;
+    if (length >= 8) {
+        h ^= Load64(name);
+        h *= 0xff51afd7ed558ccdull;
+        h ^= Load64(name + length - 8);
+    } else {
+        for (std::size_t i = 0; i < length; ++i) h = (h ^ static_cast<unsigned char>(name[i])) * 0x100000001b3ull;
+    }
+    h *= 0xc4ceb9fe1a85ec53ull;
+    return static_cast<std::size_t>(h ^ (h >> 29));
+}
 
 }  // namespace
 
@@ -113,18 +148,21 @@ CExpatReader::Names CExpatReader::Resolve(const char* name, std::size_t length) 
 CExpatReader::Names CExpatReader::Lookup(const char* name) {
     const std::string_view key(name);
     if (key.empty()) return Resolve(name, 0);
-    const std::size_t hash = std::hash<std::string_view>{}(key);
-    const std::size_t mask = m_cache.size() - 1;
+    const std::size_t hash = QuickHash(key.data(), key.size());
+    std::size_t mask = m_cache.size() - 1;
     std::size_t i = hash & mask;
     while (!m_cache[i].key.empty()) {
-        if (m_cache[i].hash == hash && m_cache[i].key == key) return m_cache[i].names;
+        const CacheSlot& slot = m_cache[i];
+        if (slot.hash == hash && slot.key.size() == key.size() && SameBytes(slot.key.data(), key.data(), key.size()))
+            return slot.names;
         i = (i + 1) & mask;
     }
     const Names names = Resolve(name, key.size());
     if ((m_cacheCount + 1) * 2 > m_cache.size()) {
         GrowCache();
-        i = hash & (m_cache.size() - 1);
-        while (!m_cache[i].key.empty()) i = (i + 1) & (m_cache.size() - 1);
+        mask = m_cache.size() - 1;
+        i = hash & mask;
+        while (!m_cache[i].key.empty()) i = (i + 1) & mask;
     }
     m_cache[i].hash = hash;
     m_cache[i].key.assign(key.data(), key.size());
@@ -176,6 +214,17 @@ void CExpatReader::EndElement() {
 void CExpatReader::AppendText(const char* text, std::size_t length) {
     if (m_open.empty()) return;
     // Carriage returns are never stored, including those written as &#13;.
+    // Expat already folds line ends, so they are rare, and most runs are a
+    // few bytes (a line break, an indentation, a short value): a plain loop
+    // answers those faster than a call to memchr.
+    if (length <= kShortRun) {
+        bool hasCR = false;
+        for (std::size_t i = 0; i < length; ++i) hasCR |= text[i] == '\r';
+        if (!hasCR) {
+            ToLocal(text, length, m_pendingText);
+            return;
+        }
+    }
     const char* end = text + length;
     while (text < end) {
         const char* cr = static_cast<const char*>(std::memchr(text, '\r', end - text));

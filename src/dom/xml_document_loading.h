@@ -37,6 +37,8 @@ public:
     static CXmlDocument::ElementFilter GetElementFilter(const CXmlDocument& document) noexcept {
         return document.m_filter;
     }
+    // Where whitespace-only element texts are interned.
+    static CXmlNameTable& GetTextTable(const CXmlDocument& document) noexcept { return document.m_textTable; }
     // Where the document's nodes live.
     static CXmlNodePool& GetNodePool(const CXmlDocument& document) noexcept { return *document.m_pool; }
     // The schema type read from the context when the document was constructed.

@@ -26,6 +26,24 @@ CXmlNodePool& PoolOf(const CXmlDocument* document) noexcept {
     return CXmlDocumentLoading::GetNodePool(*document);
 }
 
+// Whitespace runs are shared up to this length and this many distinct runs, so
+// that a load trimmed by an element filter still uses bounded memory.
+constexpr std::size_t kMaxSharedTextLength = 256;
+constexpr std::size_t kMaxSharedTexts = 4096;
+
+bool IsWhitespaceOnly(std::string_view text) noexcept {
+    for (const char c : text)
+        if (c != ' ' && c != '\n' && c != '\t' && c != '\r') return false;
+    return true;
+}
+
+// The document's shared copy of text when it qualifies, else null.
+const std::string* SharedText(const CXmlDocument* document, std::string_view text) {
+    if (text.size() > kMaxSharedTextLength || !IsWhitespaceOnly(text)) return nullptr;
+    CXmlNameTable& texts = CXmlDocumentLoading::GetTextTable(*document);
+    return texts.GetCount() < kMaxSharedTexts ? texts.Intern(text) : texts.Find(text);
+}
+
 }  // namespace
 
 const std::vector<CXmlAttribute*> CXmlElement::s_noAttributes;
@@ -57,13 +75,14 @@ bool CXmlAttribute::IsNilAttribute() const noexcept {
 CXmlElement::CXmlElement(const CXmlDocument* document)
     : CInstanceMonitor("CXmlElement"),
       m_document(document),
+      m_text(reinterpret_cast<std::uintptr_t>(&CXmlNameTable::EmptyString())),
       m_localName(&CXmlNameTable::EmptyString()),
       m_namespaceURI(&CXmlNameTable::EmptyString()) {
     if (document == nullptr) throw CQmInvalidParamException("An element needs an owning document.");
 }
 
 // Only the text is left to free here; Destroy has taken care of the rest.
-CXmlElement::~CXmlElement() = default;
+CXmlElement::~CXmlElement() { ReleaseText(); }
 
 CXmlElement* CXmlElement::Create(const CXmlDocument* document) {
     if (document == nullptr) throw CQmInvalidParamException("An element needs an owning document.");
@@ -154,13 +173,46 @@ void CXmlElement::AddAttribute(const std::string* internedLocalName, std::string
         CXmlAttribute(internedLocalName, std::move(value), internedNamespaceURI);
 }
 
+void CXmlElement::SetText(const std::string* text, bool owned) noexcept {
+    static_assert(alignof(std::string) > kOwnedText, "the tag needs a free low bit");
+    m_text = reinterpret_cast<std::uintptr_t>(text) | (owned ? kOwnedText : 0);
+}
+
+void CXmlElement::ReleaseText() noexcept {
+    if ((m_text & kOwnedText) == 0) return;
+    std::string* text = reinterpret_cast<std::string*>(m_text & ~kOwnedText);
+    text->~basic_string();
+    PoolOf(m_document).Release(text, sizeof(std::string), CXmlNodePool::Uncounted);
+    SetText(&CXmlNameTable::EmptyString(), false);
+}
+
 void CXmlElement::AppendText(std::string_view text) {
-    if (m_text.empty()) {
-        // A string built at its size gets exactly that capacity; appending to an
-        // empty one would round a short text up to twice the inline capacity.
-        if (!text.empty()) m_text = std::string(text);
-    } else {
-        m_text.append(text.data(), text.size());
+    if (text.empty()) return;
+    const std::string& current = GetText();
+    if ((m_text & kOwnedText) != 0) {
+        reinterpret_cast<std::string*>(m_text & ~kOwnedText)->append(text.data(), text.size());
+        return;
+    }
+    std::string joined;
+    if (!current.empty()) {
+        joined.reserve(current.size() + text.size());
+        joined.append(current).append(text.data(), text.size());
+        text = joined;
+    }
+    if (const std::string* shared = SharedText(m_document, text)) {
+        SetText(shared, false);
+        return;
+    }
+    CXmlNodePool& pool = PoolOf(m_document);
+    void* block = pool.Allocate(sizeof(std::string), CXmlNodePool::Uncounted);
+    try {
+        // Built at its size, the string gets exactly that capacity; appending
+        // to an empty one would round a short text up to twice the inline one.
+        std::string* owned = joined.empty() ? new (block) std::string(text) : new (block) std::string(std::move(joined));
+        SetText(owned, true);
+    } catch (...) {
+        pool.Release(block, sizeof(std::string), CXmlNodePool::Uncounted);
+        throw;
     }
 }
 

@@ -16,8 +16,8 @@
 
 namespace QmXmlLib10 {
 
-// Hands out the fixed-size blocks that elements, attributes and attribute
-// vectors live in. A loaded document has millions of nodes; one malloc each
+// Hands out the fixed-size blocks that elements, attributes, attribute
+// vectors and element texts live in. A loaded document has millions of nodes; one malloc each
 // costs more than parsing them, and the allocator's per-block header adds to
 // the footprint. Blocks are cut from chunks that grow from 4 KiB to 2 MiB
 // (then stay there, on huge pages where available), and released blocks go to
@@ -37,8 +37,12 @@ public:
     CXmlNodePool(const CXmlNodePool&) = delete;
     CXmlNodePool& operator=(const CXmlNodePool&) = delete;
 
+    // Node blocks count in GetLiveCount; blocks that belong to a node (its
+    // text) do not, so the count stays the number of nodes.
+    enum Counting { Counted, Uncounted };
+
     // A block of at least size bytes (1 to kMaxBlock), aligned for any node.
-    void* Allocate(std::size_t size) {
+    void* Allocate(std::size_t size, Counting counting = Counted) {
         const std::size_t rounded = Round(size);
         FreeBlock*& head = m_free[rounded / kGrain];
         void* block;
@@ -52,24 +56,25 @@ public:
             m_cursor += rounded;
             Unpoison(block, rounded);
         }
-        ++m_live;
+        if (counting == Counted) ++m_live;
         return block;
     }
 
     // Returns a block from Allocate with the same size, for reuse.
-    void Release(void* block, std::size_t size) noexcept {
+    void Release(void* block, std::size_t size, Counting counting = Counted) noexcept {
         const std::size_t rounded = Round(size);
         FreeBlock* freed = static_cast<FreeBlock*>(block);
         freed->next = m_free[rounded / kGrain];
         m_free[rounded / kGrain] = freed;
-        --m_live;
+        if (counting == Counted) --m_live;
         Poison(block, rounded);
     }
 
-    // Frees every chunk when no block is in use; otherwise does nothing.
+    // Frees every chunk when no counted block is in use (uncounted ones belong
+    // to counted ones); otherwise does nothing.
     void Reset() noexcept;
 
-    // Blocks handed out and not released.
+    // Counted blocks handed out and not released.
     std::size_t GetLiveCount() const noexcept { return m_live; }
     // Bytes held in chunks, used or not.
     std::size_t GetReservedBytes() const noexcept { return m_reserved; }

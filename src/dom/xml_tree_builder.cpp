@@ -20,6 +20,7 @@ void CXmlTreeBuilder::Clear(CXmlDocument& document) noexcept {
     // Gives the chunks back unless a removed subtree is still waiting for DestroyElement.
     document.m_pool->Reset();
     document.m_nameTable.Clear();
+    document.m_textTable.Clear();
 }
 
 const std::string* CXmlTreeBuilder::Intern(const CXmlDocument& document, std::string_view name) {

@@ -523,3 +523,52 @@ TEST(XmlDocumentLoad, DeepNestingBuildsTheWholeChain) {
     EXPECT_EQ(e->GetText(), "x");
     doc.reset();  // tears down without recursion
 }
+
+TEST(XmlDocumentLoad, RepeatedWhitespaceTextsAreStoredOnce) {
+    CXmlDocument doc;
+    doc.LoadXml("<r>\n  <a>\n    <b>one</b>\n  </a>\n  <a>\n    <b>two</b>\n  </a>\n  <a> <b/> </a>\n</r>");
+    const CXmlElement* first = doc.GetDocumentElement()->GetFirstElement();
+    const CXmlElement* second = first->GetNextSiblingElement();
+    const CXmlElement* third = second->GetNextSiblingElement();
+    EXPECT_EQ(doc.GetDocumentElement()->GetText(), "\n  \n  \n  \n");
+    EXPECT_EQ(first->GetText(), "\n    \n  ");
+    EXPECT_EQ(second->GetText(), "\n    \n  ");
+    EXPECT_EQ(&first->GetText(), &second->GetText());  // one shared string
+    EXPECT_EQ(third->GetText(), "  ");
+    EXPECT_EQ(first->GetFirstElement()->GetText(), "one");
+    EXPECT_EQ(second->GetFirstElement()->GetText(), "two");
+    EXPECT_EQ(third->GetFirstElement()->GetText(), "");
+    // Carriage returns written as references are dropped before sharing.
+    doc.LoadXml("<r><a>&#13;\n</a><a>\n</a></r>");
+    const CXmlElement* a = doc.GetDocumentElement()->GetFirstElement();
+    EXPECT_EQ(a->GetText(), "\n");
+    EXPECT_EQ(&a->GetText(), &a->GetNextSiblingElement()->GetText());
+}
+
+namespace {
+bool DropOdd(CXmlElement* element) { return element->GetLocalName() == "odd"; }
+}  // namespace
+
+TEST(XmlDocumentLoad, TextsStayRightWhenAFilterRecyclesNodes) {
+    std::string xml = "<r>\n";
+    for (int i = 0; i < 200; ++i) {
+        xml += "  <odd>\n    <v>dropped value number " + std::to_string(i) + "</v>\n  </odd>\n";
+        xml += "  <even n='" + std::to_string(i) + "'>\n    <v>" + std::to_string(i) + "</v>\n    <w>kept, and long enough for the heap " +
+               std::to_string(i) + "</w>\n  </even>\n";
+    }
+    xml += "</r>";
+    CXmlDocument doc(&DropOdd);
+    LoadStream(doc, Bytes(xml));
+    int i = 0;
+    for (const CXmlElement* even = doc.GetDocumentElement()->GetFirstElement(); even != nullptr;
+         even = even->GetNextSiblingElement(), ++i) {
+        ASSERT_EQ(even->GetLocalName(), "even");
+        EXPECT_EQ(even->GetAttribute("n", ""), std::to_string(i));
+        EXPECT_EQ(even->GetText(), "\n    \n    \n  ");
+        const CXmlElement* v = even->GetFirstElement();
+        EXPECT_EQ(v->GetText(), std::to_string(i));
+        EXPECT_EQ(v->GetNextSiblingElement()->GetText(), "kept, and long enough for the heap " + std::to_string(i));
+    }
+    EXPECT_EQ(i, 200);
+    EXPECT_EQ(doc.GetDocumentElement()->GetText().size(), 1u + 400 * 3);
+}

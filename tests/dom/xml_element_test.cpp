@@ -341,3 +341,24 @@ TEST(XmlElementTest, AttributesAndTextAreStoredAtTheirSize) {
     Append(root, "+");
     EXPECT_EQ(root->GetText(), text + "+");
 }
+
+TEST(XmlElementTest, AppendingToASharedTextLeavesTheOtherHoldersAlone) {
+    CXmlDocument doc;
+    CXmlElement* root = B::CreateDocumentElement(doc);
+    CXmlElement* a = B::CreateChild(root);
+    CXmlElement* b = B::CreateChild(root);
+    Append(a, "\n  ");
+    Append(b, "\n  ");
+    EXPECT_EQ(&a->GetText(), &b->GetText());
+    Append(a, "x");
+    EXPECT_EQ(a->GetText(), "\n  x");
+    EXPECT_EQ(b->GetText(), "\n  ");
+    Append(b, " ");  // still whitespace: shared again under the longer run
+    EXPECT_EQ(b->GetText(), "\n   ");
+    Append(root, "\n   ");
+    EXPECT_EQ(&root->GetText(), &b->GetText());
+    // Texts do not count as pool blocks; destroying the tree frees them.
+    EXPECT_EQ(B::GetPoolStatistics(doc).liveBlocks, 3u);
+    B::Clear(doc);
+    EXPECT_EQ(B::GetPoolStatistics(doc).reservedBytes, 0u);
+}

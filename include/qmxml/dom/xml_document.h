@@ -106,8 +106,10 @@ private:
     void LoadDetected(const unsigned char* data, std::size_t length);
     void LoadFileInChunks(const char* fileName);
 
-    // Declared first so that it outlives the nodes pointing into it.
+    // Declared first so that they outlive the nodes pointing into them.
     mutable CXmlNameTable m_nameTable;
+    // Whitespace-only texts, shared by the elements that hold the same run.
+    mutable CXmlNameTable m_textTable;
     // Where the nodes live; nodes allocate from it through their const document.
     std::unique_ptr<CXmlNodePool> m_pool;
     CXmlElement* m_documentElement = nullptr;  // owned, in m_pool

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,8 +61,8 @@ private:
 // Trees are built only through CXmlTreeBuilder and are read-only afterwards.
 // The accessors mutate nothing, so a finished tree may be read from several
 // threads at once. The layout is kept small on purpose (no virtual functions,
-// names interned, attribute vector allocated only when needed) because a
-// loaded document has millions of these.
+// names and whitespace-only texts interned, text and attribute vector
+// allocated only when needed) because a loaded document has millions of these.
 //
 // Nodes live in their document's node pool, so they cannot be deleted with
 // `delete`: the document destroys its tree, and a subtree unlinked with
@@ -73,7 +74,9 @@ public:
 
     const std::string& GetLocalName() const noexcept { return *m_localName; }
     const std::string& GetNamespaceURI() const noexcept { return *m_namespaceURI; }
-    const std::string& GetText() const noexcept { return m_text; }
+    const std::string& GetText() const noexcept {
+        return *reinterpret_cast<const std::string*>(m_text & ~kOwnedText);
+    }
     const std::vector<CXmlAttribute*>& GetAttributes() const noexcept {
         return m_attributes != nullptr ? *m_attributes : s_noAttributes;
     }
@@ -149,13 +152,21 @@ private:
 
     void LinkChild(CXmlElement* child) noexcept;
     std::vector<CXmlAttribute*>& Attributes();
+    void SetText(const std::string* text, bool owned) noexcept;
+    // Frees the text when this element owns it; the element then has none.
+    void ReleaseText() noexcept;
+
+    // Low bit of m_text: the string lives in the node pool and belongs to this
+    // element. Otherwise it is shared: the empty string, or a whitespace run
+    // interned by the document (indentation repeats across a whole document).
+    static constexpr std::uintptr_t kOwnedText = 1;
 
     const CXmlDocument* m_document;
     CXmlElement* m_nextSibling = nullptr;
     CXmlElement* m_firstChild = nullptr;
     CXmlElement* m_lastChild = nullptr;
     std::vector<CXmlAttribute*>* m_attributes = nullptr;  // allocated on the first attribute
-    std::string m_text;
+    std::uintptr_t m_text;  // const std::string*, tagged with kOwnedText
     const std::string* m_localName;
     const std::string* m_namespaceURI;
 };
