@@ -17,8 +17,9 @@ class CXmlElement;
 
 // Owns one Expat parser for one parse and turns its callbacks into tree
 // builder calls. Input may come whole (ParseAll) or piece by piece (Parse,
-// the last piece marked final).
-class CExpatReader : public CInstanceMonitor {
+// the last piece marked final). Not exported: calls between its members run
+// per callback, and a hidden class binds them directly instead of via the PLT.
+class __attribute__((visibility("hidden"))) CExpatReader : public CInstanceMonitor {
 public:
     // namespaces: split names at Expat's '|' separator; keepCDATA: write the
     // CDATA markers into the text.
