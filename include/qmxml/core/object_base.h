@@ -19,6 +19,7 @@ class CXmlWriter;
 class CBinaryData;
 class CElement;
 class CTextStream;
+class CXmlObjectAccess;
 
 // Receives the events a collection raises when its content changes.
 class IEventSink {
@@ -113,6 +114,9 @@ public:
     void TestNamespace(const char* ns, const char* restriction, const char* targetNamespace) const;
 
 protected:
+    // The binding metadata and the collections reach members' protected operations through it.
+    friend class CXmlObjectAccess;
+
     void OnEvent(CXmlObjectBase* source, MsgType type, void* data) override;
 
     virtual void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const;

@@ -1,0 +1,56 @@
+// The metadata of a generated class as a whole: its content model, its
+// element, and its simple content if it has any.
+#pragma once
+
+#include <string>
+
+#include "qmxml/core/enums.h"
+
+namespace QmXmlLib10Data {
+
+using QmXmlLib10::ItemType;
+using QmXmlLib10::XmlElementGroupType;
+using QmXmlLib10::XmlElementType;
+
+class CParentElementInfo {
+public:
+    // primitiveValuePropertyIndex -1 and primitiveDataType 0 when the class has
+    // no simple content.
+    CParentElementInfo(XmlElementGroupType groupType, XmlElementType elementType, const char* elementName,
+                       const char* elementNamespace, bool fromXmlFailIfAttributeUnknown, bool hasBaseClasses,
+                       int primitiveValuePropertyIndex, ItemType primitiveDataType,
+                       const char* primitiveFormatOverride, bool outputPrimitiveClassAsTextProperty);
+    CParentElementInfo(const CParentElementInfo&) = default;
+    CParentElementInfo& operator=(const CParentElementInfo&) = default;
+    virtual ~CParentElementInfo();
+
+    XmlElementGroupType GetElementGroupType() const { return m_groupType; }
+    XmlElementType GetElementType() const { return m_elementType; }
+    const std::string& GetElementName() const { return m_elementName; }
+    const std::string& GetElementNamespace() const { return m_elementNamespace; }
+    bool GetFromXmlFailIfAttributeUnknown() const { return m_failIfAttributeUnknown; }
+    bool GetHasBaseClasses() const { return m_hasBaseClasses; }
+    int GetPrimitiveValuePropertyIndex() const { return m_primitiveValuePropertyIndex; }
+    ItemType GetPrimitiveDataType() const { return m_primitiveDataType; }
+    const std::string& GetPrimitiveFormatOverride() const { return m_primitiveFormatOverride; }
+    bool GetOutputPrimitiveClassAsTextProperty() const { return m_outputPrimitiveClassAsTextProperty; }
+
+    // True when the class has simple content (index not -1 and a data type).
+    bool HasSimpleContent() const {
+        return m_primitiveValuePropertyIndex != -1 && m_primitiveDataType != QmXmlLib10::ItemType_None;
+    }
+
+private:
+    XmlElementGroupType m_groupType;
+    XmlElementType m_elementType;
+    std::string m_elementName;
+    std::string m_elementNamespace;
+    bool m_failIfAttributeUnknown;
+    bool m_hasBaseClasses;
+    int m_primitiveValuePropertyIndex;
+    ItemType m_primitiveDataType;
+    std::string m_primitiveFormatOverride;
+    bool m_outputPrimitiveClassAsTextProperty;
+};
+
+}  // namespace QmXmlLib10Data

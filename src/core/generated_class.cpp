@@ -1,0 +1,487 @@
+#include "qmxml/core/generated_class.h"
+
+#include <cstring>
+#include <typeinfo>
+#include <vector>
+
+#include "qmxml/collections/wildcards.h"
+#include "qmxml/core/exception.h"
+#include "qmxml/dom/xml_document.h"
+#include "qmxml/dom/xml_element.h"
+#include "qmxml/metadata/attribute_info.h"
+#include "qmxml/metadata/element_info.h"
+#include "qmxml/metadata/parent_element_info.h"
+#include "qmxml/writer/xml_writer.h"
+
+namespace QmXmlLib10 {
+
+using QmXmlLib10Data::CAttributeInfo;
+using QmXmlLib10Data::CElementInfo;
+using QmXmlLib10Data::CParentElementInfo;
+
+namespace {
+
+const char* const kXsiNamespace = "http://www.w3.org/2001/XMLSchema-instance";
+
+// The value of the element's xsi:nil attribute, or null when it has none.
+const std::string* FindNilAttribute(const CXmlElement* element) {
+    for (const CXmlAttribute* a : element->GetAttributes()) {
+        if (a->IsNilAttribute()) return &a->GetValue();
+    }
+    return nullptr;
+}
+
+int CountInfos(CElementInfo** infos) {
+    int n = 0;
+    if (infos) {
+        while (infos[n]) ++n;
+    }
+    return n;
+}
+
+}  // namespace
+
+void CXmlObjectAccess::WriteMember(const CXmlObjectBase* object, CXmlWriter* writer, const char* declaredName,
+                                   const CXmlSerializationContext& ctx, bool asChoiceMember, bool substitutable,
+                                   bool classDiffers) {
+    const std::string& recorded = object->GetRecordedElementName();
+    const bool substituted = substitutable && !recorded.empty() && recorded != (declaredName ? declaredName : "");
+    const char* name = substituted ? recorded.c_str() : declaredName;
+    const auto* generated = dynamic_cast<const CXmlGeneratedClass*>(object);
+    if (generated == nullptr) {
+        object->ToXml_Int(writer, false, name, ctx, asChoiceMember);
+        return;
+    }
+    std::string typeName;
+    // A substituted element name already tells the reader the class.
+    if (classDiffers && !substituted && ctx.GetWriteTypeAttribute()) typeName = generated->GetTypeName();
+    generated->WriteObject(writer, false, name, ctx, asChoiceMember, typeName.empty() ? nullptr : typeName.c_str());
+}
+
+CXmlGeneratedClass::~CXmlGeneratedClass() = default;
+
+std::string CXmlGeneratedClass::GetElementName() const {
+    if (!GetRecordedElementName().empty()) return GetRecordedElementName();
+    return GetClassInfo()->GetElementName();
+}
+
+std::string CXmlGeneratedClass::GetTargetNamespace() const { return GetClassInfo()->GetElementNamespace(); }
+
+void CXmlGeneratedClass::ReadProperty(int index, QmVariant& value) const {
+    // Reading through property access does not change the object.
+    const_cast<CXmlGeneratedClass*>(this)->AccessProperty(index, true, value);
+}
+
+int CXmlGeneratedClass::GetClassElementInfoCount() const { return CountInfos(GetClassElementInfo()); }
+
+bool CXmlGeneratedClass::IsElementInList(const CXmlSerializationContext& ctx, CXmlElement* element) const {
+    if (element == nullptr) return false;
+    return IsClaimedFrom(ctx, element, 0);
+}
+
+bool CXmlGeneratedClass::IsClaimedFrom(const CXmlSerializationContext& ctx, const CXmlElement* element,
+                                       int from) const {
+    CElementInfo** infos = GetClassElementInfo();
+    if (infos == nullptr) return false;
+    for (int i = from; infos[i]; ++i) {
+        if (infos[i]->IsMemberElement(ctx, this, element)) return true;
+    }
+    return false;
+}
+
+bool CXmlGeneratedClass::DoesElementContainOptionalElements() const {
+    CElementInfo** infos = GetClassElementInfo();
+    if (infos == nullptr) return false;
+    for (int i = 0; infos[i]; ++i) {
+        if (infos[i]->IsOptionalMember()) return true;
+    }
+    return false;
+}
+
+void CXmlGeneratedClass::CleanMetaData(CParentElementInfo*& parentInfo, CElementInfo**& elementInfo,
+                                       CAttributeInfo**& attributeInfo) {
+    delete parentInfo;
+    parentInfo = nullptr;
+    if (elementInfo) {
+        for (int i = 0; elementInfo[i]; ++i) delete elementInfo[i];
+        delete[] elementInfo;
+        elementInfo = nullptr;
+    }
+    if (attributeInfo) {
+        for (int i = 0; attributeInfo[i]; ++i) delete attributeInfo[i];
+        delete[] attributeInfo;
+        attributeInfo = nullptr;
+    }
+}
+
+// ---------------------------------------------------------------- writing
+
+void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName,
+                                   const CXmlSerializationContext& ctx, bool asChoiceMember) const {
+    WriteObject(writer, isRoot, elementName, ctx, asChoiceMember, nullptr);
+}
+
+void CXmlGeneratedClass::WriteRootPrologue(CXmlWriter* writer, const CXmlSerializationContext& ctx) const {
+    for (const std::string& instruction : ctx.GetProcessingInstructions()) writer->WriteRawLine(instruction.c_str());
+    const CNamespaceAliasMap& aliases = ctx.GetNamespaceAliases();
+    for (int i = 0, n = aliases.GetNamespaceCount(); i < n; ++i) {
+        const std::string& uri = aliases.GetNamespaceAt(i);
+        writer->AddNamespaceAlias(aliases.GetAliasFromNamespace(uri).c_str(), uri.c_str());
+    }
+    const std::string& defaultNamespace = GetContextDefaultNamespace(ctx);
+    const std::string& ownNamespace = GetClassInfo()->GetElementNamespace();
+    if (!defaultNamespace.empty()) {
+        writer->SetDefaultNamespace(defaultNamespace.c_str());
+    } else if (!ownNamespace.empty() && !aliases.DoesNamespaceExist(ownNamespace)) {
+        // A fresh object writes <Root xmlns="urn:..."> rather than an invented prefix.
+        writer->SetDefaultNamespace(ownNamespace.c_str());
+    }
+}
+
+void CXmlGeneratedClass::WriteObject(CXmlWriter* writer, bool isRoot, const char* elementName,
+                                     const CXmlSerializationContext& ctx, bool asChoiceMember,
+                                     const char* xsiType) const {
+    const std::string fallbackName = elementName ? std::string() : GetElementName();
+    const char* name = elementName ? elementName : fallbackName.c_str();
+    try {
+        const CParentElementInfo* info = GetClassInfo();
+        const bool ownElement = info->GetElementType() == XmlElementType_Element;
+        if (ownElement) {
+            if (isRoot) WriteRootPrologue(writer, ctx);
+            writer->StartElement(name, info->GetElementNamespace().c_str());
+            if (isRoot) {
+                if (const CSmartPtr<CAttributeCol> extra = ctx.GetAdditionalRootAttributes()) {
+                    CXmlObjectAccess::AttributesToXml(extra, writer, ctx);
+                }
+            }
+            if (xsiType) writer->WriteTypeAttribute(xsiType);
+            AttributesToXml_Int(writer, ctx);
+            if (isRoot) {
+                const std::string schema = ctx.GetInLineSchema();
+                if (!schema.empty()) writer->WriteRaw(schema.c_str());
+            }
+        }
+        if (IsNil()) {
+            if (ownElement) writer->WriteNilAttribute();
+        } else {
+            switch (info->GetElementGroupType()) {
+                case XmlElementGroupType_Sequence:
+                case XmlElementGroupType_All:
+                    ProcessElementAllToXml(ctx, GetClassElementInfo(), writer);
+                    break;
+                case XmlElementGroupType_Choice:
+                    ProcessElementChoiceToXml(ctx, GetClassElementInfo(), writer, asChoiceMember);
+                    break;
+                default:
+                    throw CQmException("Unknown XML Group Type");
+            }
+            if (info->HasSimpleContent()) WriteSimpleContent(writer);
+        }
+        if (ownElement) writer->EndElement();
+    } catch (const CQmException& e) {
+        throw CQmValidationException(FormatString("Failed to convert the element [%s] to XML", name), e);
+    }
+}
+
+void CXmlGeneratedClass::WriteSimpleContent(CXmlWriter* writer) const {
+    const CParentElementInfo* info = GetClassInfo();
+    QmVariant value;
+    ReadProperty(info->GetPrimitiveValuePropertyIndex(), value);
+    if (!value.IsValid() || value.IsNil()) return;
+    const std::string& format = info->GetPrimitiveFormatOverride();
+    const std::string text = value.ToString(format.empty() ? nullptr : format.c_str());
+    writer->WriteText(text.c_str(), info->GetPrimitiveDataType());
+}
+
+void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const {
+    ProcessAttributesToXml(ctx, GetClassElementInfo(), GetClassAttributeInfo(), writer);
+}
+
+void CXmlGeneratedClass::ProcessAttributesToXml(const CXmlSerializationContext& ctx, CElementInfo** elementInfo,
+                                                CAttributeInfo** attributeInfo, CXmlWriter* writer) const {
+    if (attributeInfo) {
+        for (int i = 0; attributeInfo[i]; ++i) attributeInfo[i]->AttributeToXml(ctx, this, writer);
+    }
+    // Inlined member classes put their attributes on this element.
+    if (elementInfo) {
+        for (int i = 0; elementInfo[i]; ++i) elementInfo[i]->PseudoChildAttributeToXml(ctx, this, writer);
+    }
+}
+
+void CXmlGeneratedClass::ProcessElementAllToXml(const CXmlSerializationContext& ctx, CElementInfo** elementInfo,
+                                                CXmlWriter* writer) const {
+    if (elementInfo == nullptr) return;
+    for (int i = 0; elementInfo[i]; ++i) elementInfo[i]->ElementToXml(ctx, this, writer);
+}
+
+void CXmlGeneratedClass::ProcessElementChoiceToXml(const CXmlSerializationContext& ctx, CElementInfo** elementInfo,
+                                                   CXmlWriter* writer, bool emptyAllowed) const {
+    if (elementInfo) {
+        for (int i = 0; elementInfo[i]; ++i) {
+            if (elementInfo[i]->ElementToXml(ctx, this, writer)) return;
+        }
+    }
+    if (emptyAllowed || DoesElementContainOptionalElements() || ctx.GetIgnoreMissingChoice()) return;
+    throw CQmValidationException(
+        "This element is a choice, and as such must have at one (and only one) valid item, currently there are none "
+        "set");
+}
+
+// ---------------------------------------------------------------- reading
+
+CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* current,
+                                             const CXmlSerializationContext& ctx, bool isRoot) {
+    Init();
+    m_nil = false;
+    const CParentElementInfo* info = GetClassInfo();
+    const XmlElementType elementType = info->GetElementType();
+    const bool ownElement = elementType == XmlElementType_Element;
+    if (parent == nullptr) throw CQmInvalidParamException("The element to read from may not be NULL");
+
+    const bool documentElement = parent->GetDocument() && parent->GetDocument()->GetDocumentElement() == parent;
+    if (ownElement && (isRoot || documentElement)) {
+        const std::string expectedName = GetElementName();
+        const std::string expectedNamespace = GetTargetNamespace();
+        if (!DoesElementNameMatch(ctx, parent, expectedName.c_str(), expectedNamespace.c_str())) {
+            throw CQmValidationException(FormatString("Unexpected root element [%s], expected [%s]",
+                                                      parent->GetLocalName().c_str(), expectedName.c_str()));
+        }
+    }
+
+    try {
+        if (ownElement) {
+            if (const std::string* nil = FindNilAttribute(parent)) {
+                if (*nil == "true") {
+                    m_nil = true;
+                } else if (*nil != "false") {
+                    throw CQmValidationException(
+                        FormatString("Unexpected Value [%s] for 'nil' Attribute found.", nil->c_str()));
+                }
+            }
+            ProcessAttributesFromXml(ctx, parent, isRoot);
+        }
+        if (m_nil) return nullptr;
+
+        switch (info->GetElementGroupType()) {
+            case XmlElementGroupType_Sequence:
+                current = ProcessElementSeqFromXml(ctx, parent, current, elementType);
+                break;
+            case XmlElementGroupType_Choice:
+                current = ProcessElementChoiceFromXml(ctx, parent, current, elementType, false);
+                break;
+            case XmlElementGroupType_All:
+                current = ProcessElementAllFromXml(ctx, parent, current, elementType);
+                break;
+            default:
+                throw CQmException("Unknow Group Type");
+        }
+        if (ownElement && info->HasSimpleContent()) ReadSimpleContent(parent);
+        return current;
+    } catch (const CQmException& e) {
+        throw CQmValidationException(
+            FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), e);
+    }
+}
+
+void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element) {
+    const CParentElementInfo* info = GetClassInfo();
+    const ItemType type = info->GetPrimitiveDataType();
+    // The built-in whitespace facet of the type: strings keep theirs.
+    const auto rule = type == ItemType_string ? CWhitespaceUtils::WhitespaceRule_Preserve
+                                              : CWhitespaceUtils::WhitespaceRule_Collapse;
+    QmVariant value;
+    value.FromString(element->GetText(), type, rule);
+    AccessProperty(info->GetPrimitiveValuePropertyIndex(), false, value);
+}
+
+void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext& ctx, CXmlElement* element, bool) {
+    CAttributeInfo** infos = GetClassAttributeInfo();
+    const int count = [&] {
+        int n = 0;
+        if (infos) {
+            while (infos[n]) ++n;
+        }
+        return n;
+    }();
+    std::vector<char> found(static_cast<size_t>(count), 0);
+    for (CXmlAttribute* attribute : element->GetAttributes()) {
+        if (attribute->IsNamespaceAttribute() || attribute->IsNilAttribute()) continue;
+        bool claimed = false;
+        // Named members first, so that a wildcard never takes their attributes.
+        for (int pass = 0; pass < 2 && !claimed; ++pass) {
+            for (int i = 0; i < count; ++i) {
+                if (infos[i]->IsWildcard() != (pass == 1)) continue;
+                if (infos[i]->AttributeFromXml(ctx, this, attribute)) {
+                    found[static_cast<size_t>(i)] = 1;
+                    claimed = true;
+                    break;
+                }
+            }
+        }
+        if (!claimed && GetClassInfo()->GetFromXmlFailIfAttributeUnknown() && !ctx.GetIgnoreUnknownAttributes()) {
+            throw CQmValidationException(
+                FormatString("Unexpected Attribute [%s] found.", attribute->GetLocalName().c_str()));
+        }
+    }
+    for (int i = 0; i < count; ++i) infos[i]->Validate(ctx, found[static_cast<size_t>(i)] != 0);
+}
+
+void CXmlGeneratedClass::ThrowLeftover(const CXmlElement* parent, const CXmlElement* current) {
+    throw CQmValidationException(FormatString(
+        "Failed read all the elements held within the element [%s]. The unexpected element [%s] remains un "
+        "processed",
+        parent->GetLocalName().c_str(), current->GetLocalName().c_str()));
+}
+
+CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CXmlSerializationContext& ctx, CXmlElement* parent,
+                                                          CXmlElement* current, XmlElementType elementType) {
+    CElementInfo** infos = GetClassElementInfo();
+    const int count = CountInfos(infos);
+    const char* targetNamespace = GetClassInfo()->GetElementNamespace().c_str();
+    const bool skipUnknown = ctx.GetIgnoreUnknownElements();
+    int restart = 0;
+    CXmlElement* stuck = nullptr;
+    for (;;) {
+        for (int i = restart; i < count; ++i) {
+            for (;;) {
+                CXmlElement* before = current;
+                const bool consumed = infos[i]->ElementFromXml(ctx, this, parent, &current, targetNamespace,
+                                                               elementType);
+                if (consumed || current != before) {
+                    restart = i;
+                    break;
+                }
+                // An element that no member from here on takes is unknown: skip
+                // it and ask the same member again. The collection read last may
+                // still take more, so it counts as "from here on".
+                const int from = infos[restart]->IsCollectionMember() ? restart : i;
+                if (skipUnknown && current && !IsClaimedFrom(ctx, current, from)) {
+                    current = current->GetNextSiblingElement();
+                    continue;
+                }
+                break;
+            }
+        }
+        if (elementType != XmlElementType_Element || current == nullptr) break;
+        if (!skipUnknown) ThrowLeftover(parent, current);
+        // Go again from the last member that read something, skipping up to an
+        // element some member would take; an element that a whole pass left
+        // where it was is skipped too.
+        if (current == stuck || !IsClaimedFrom(ctx, current, restart)) {
+            do {
+                current = current->GetNextSiblingElement();
+            } while (current && !IsClaimedFrom(ctx, current, restart));
+            if (current == nullptr) break;
+        }
+        stuck = current;
+    }
+    // Collections that never saw an element still have their minimum to meet.
+    for (int i = 0; i < count; ++i) {
+        if (infos[i]->IsCollectionMember()) infos[i]->Validate(ctx, this, true, elementType == XmlElementType_Element);
+    }
+    return current;
+}
+
+CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CXmlSerializationContext& ctx, CXmlElement* parent,
+                                                          CXmlElement* current, XmlElementType elementType) {
+    CElementInfo** infos = GetClassElementInfo();
+    const int count = CountInfos(infos);
+    const char* targetNamespace = GetClassInfo()->GetElementNamespace().c_str();
+    const bool ownContent = elementType == XmlElementType_Element;
+    CXmlElement* const start = current;
+    std::vector<char> found(static_cast<size_t>(count), 0);
+    bool moved = true;
+    while (current && moved) {
+        moved = false;
+        for (int i = 0; i < count && current; ++i) {
+            if (found[static_cast<size_t>(i)]) continue;
+            CXmlElement* before = current;
+            if (infos[i]->ElementFromXml(ctx, this, parent, &current, targetNamespace, elementType)) {
+                found[static_cast<size_t>(i)] = 1;
+            }
+            if (current != before) moved = true;
+        }
+        // In the element's own content an element no missing member takes is
+        // skipped under IgnoreUnknownElements, wherever it stands.
+        if (!moved && current && ownContent && ctx.GetIgnoreUnknownElements()) {
+            bool claimed = false;
+            for (int i = 0; i < count && !claimed; ++i) {
+                claimed = !found[static_cast<size_t>(i)] && infos[i]->IsMemberElement(ctx, this, current);
+            }
+            if (!claimed) {
+                current = current->GetNextSiblingElement();
+                moved = true;
+            }
+        }
+    }
+    for (int i = 0; i < count; ++i) {
+        if (!infos[i]->Validate(ctx, this, found[static_cast<size_t>(i)] != 0, ownContent)) return start;
+    }
+    if (ownContent && current && !ctx.GetIgnoreUnknownElements()) ThrowLeftover(parent, current);
+    return current;
+}
+
+CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CXmlSerializationContext& ctx,
+                                                             CXmlElement* parent, CXmlElement* current,
+                                                             XmlElementType elementType, bool emptyAllowed) {
+    CElementInfo** infos = GetClassElementInfo();
+    const int count = CountInfos(infos);
+    const char* targetNamespace = GetClassInfo()->GetElementNamespace().c_str();
+    const bool ownContent = elementType == XmlElementType_Element;
+    bool populated = false;
+    while (current && !populated) {
+        for (int i = 0; i < count; ++i) {
+            CXmlElement* before = current;
+            if (infos[i]->ElementFromXml(ctx, this, parent, &current, targetNamespace, elementType) ||
+                current != before) {
+                populated = true;
+                break;
+            }
+        }
+        if (populated || !ownContent || !ctx.GetIgnoreUnknownElements()) break;
+        current = current->GetNextSiblingElement();
+    }
+    if (!populated && !emptyAllowed && ownContent && !DoesElementContainOptionalElements() &&
+        !ctx.GetIgnoreMissingChoice()) {
+        throw CQmValidationException(FormatString(
+            "No child elements within the element [%s] were populated. The element represents a choice, so one and "
+            "only one element should be populated. The element contained no sutable child elements",
+            parent->GetLocalName().c_str()));
+    }
+    if (ownContent && current) {
+        if (!ctx.GetIgnoreUnknownElements()) ThrowLeftover(parent, current);
+        return nullptr;  // the rest is skipped: one member only
+    }
+    return current;
+}
+
+// ---------------------------------------------------------------- factories
+
+CClassfactoryBase::~CClassfactoryBase() = default;
+
+namespace {
+
+const CXmlAttribute* FindTypeAttribute(const CXmlElement* element) {
+    if (element == nullptr) return nullptr;
+    for (const CXmlAttribute* a : element->GetAttributes()) {
+        if (a->GetLocalName() == "type" && a->GetNamespaceURI() == kXsiNamespace) return a;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+bool CClassfactoryBase::HasTypeAttribute(const CXmlElement* element) { return FindTypeAttribute(element) != nullptr; }
+
+std::string CClassfactoryBase::GetTypeAttribute(const CXmlElement* element) {
+    const CXmlAttribute* a = FindTypeAttribute(element);
+    return a ? a->GetValue() : std::string();
+}
+
+std::string CClassfactoryBase::GetTypeLocalName(const CXmlElement* element) {
+    const std::string value = GetTypeAttribute(element);
+    const size_t colon = value.find(':');
+    return colon == std::string::npos ? value : value.substr(colon + 1);
+}
+
+}  // namespace QmXmlLib10
