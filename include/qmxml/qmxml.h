@@ -3,6 +3,7 @@
 
 #include "qmxml/core/enums.h"
 #include "qmxml/core/exception.h"
+#include "qmxml/core/generated_class.h"
 #include "qmxml/core/instance_monitor.h"
 #include "qmxml/core/object_base.h"
 #include "qmxml/core/serialization_context.h"
@@ -15,11 +16,17 @@
 #include "qmxml/dom/xml_name_table.h"
 #include "qmxml/dom/xml_tree_builder.h"
 
+#include "qmxml/metadata/attribute_info.h"
+#include "qmxml/metadata/element_info.h"
+#include "qmxml/metadata/element_infos.h"
+#include "qmxml/metadata/parent_element_info.h"
+
 #include "qmxml/writer/string_buffer.h"
 #include "qmxml/writer/text_stream.h"
 #include "qmxml/writer/text_writer.h"
 #include "qmxml/writer/xml_writer.h"
 
+#include "qmxml/collections/class_collection.h"
 #include "qmxml/collections/element.h"
 #include "qmxml/collections/primitive_collections.h"
 #include "qmxml/collections/type_collection.h"
