@@ -4,4 +4,4 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 bash "$root/scripts/deps.sh"
 bash "$root/scripts/build.sh"
-"${BUILD_DIR:-$root/build}/tools/qmxml"
+"${BUILD_DIR:-$root/build}/examples/qmxml_orders"
