@@ -3,6 +3,9 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+
+#include "qmxml/fastinfoset/vocabulary.h"
 
 namespace QmXmlLib10 {
 
@@ -28,8 +31,9 @@ public:
 
     CFastInfosetContext() = default;
 
-    // Values of at most this many bytes are added to the value tables when
-    // first written; longer ones are written literally and never indexed.
+    // Values of fewer bytes than this are added to the value tables when
+    // first written (so with 6, up to five); longer ones are written
+    // literally and never indexed.
     std::uint32_t GetAttributeMaxAddLength() const { return m_attributeMaxAddLength; }
     void SetAttributeMaxAddLength(std::uint32_t length) { m_attributeMaxAddLength = length; }
     std::uint32_t GetElementMaxAddLength() const { return m_elementMaxAddLength; }
@@ -52,12 +56,19 @@ public:
     std::string GetExternalVocabularyURI() const { return m_externalVocabularyURI; }
     void SetExternalVocabularyURI(std::string uri) { m_externalVocabularyURI = std::move(uri); }
 
+    // The vocabulary that writers and readers start from when the generated
+    // vocabulary is in use. Writing and reading never change it: they work on
+    // a copy of their own.
+    CFIVocabulary* GetVocabulary() { return &m_vocabulary; }
+    const CFIVocabulary* GetVocabulary() const { return &m_vocabulary; }
+
 private:
     unsigned char m_defaultStringEncoding = 0;
     EncodedCharacterString m_encodings[EncodingTableSize] = {};
     std::uint32_t m_attributeMaxAddLength = 6;
     std::uint32_t m_elementMaxAddLength = 6;
     bool m_useGeneratedVocabulary = false;
+    CFIVocabulary m_vocabulary;
     std::string m_externalVocabularyURI;
 };
 
