@@ -403,6 +403,7 @@ void COrderTypeChoice::AccessProperty(int propertyIndex, bool read, QmVariant& v
 }
 
 void COrderTypeChoice::SetCard(CCardType* value) {
+    const CSmartPtr<CCardType> hold(value);  // a refused new object is freed
     // Replacing the selected member, or clearing it, is always allowed.
     if (m_selected != "Card" || value == nullptr) {
         if (value || m_selected == "Card") Choice_SelectElement("Card", value, m_selected);
@@ -411,6 +412,7 @@ void COrderTypeChoice::SetCard(CCardType* value) {
 }
 
 void COrderTypeChoice::SetInvoice(CInvoiceType* value) {
+    const CSmartPtr<CInvoiceType> hold(value);
     if (m_selected != "Invoice" || value == nullptr) {
         if (value || m_selected == "Invoice") Choice_SelectElement("Invoice", value, m_selected);
     }
