@@ -9,6 +9,7 @@
 #include "qmxml/core/settings.h"
 #include "qmxml/dom/xml_document.h"
 #include "qmxml/dom/xml_element.h"
+#include "qmxml/fastinfoset/fi_writer.h"
 #include "qmxml/types/binary_data.h"
 #include "qmxml/writer/text_stream.h"
 #include "qmxml/writer/text_writer.h"
@@ -24,10 +25,6 @@ CBinaryData Compressed(const std::string& bytes, CompressionType compression) {
     const auto length = static_cast<std::uint32_t>(bytes.size());
     if (compression == CompressionType_None) return CBinaryData(const_cast<unsigned char*>(data), length, false);
     return CBinaryData::Compress(data, length, compression);
-}
-
-[[noreturn]] void FastInfosetUnavailable() {
-    throw CQmInvalidStateException("Fast Infoset output is not available in this version of the library");
 }
 
 }  // namespace
@@ -75,14 +72,27 @@ void CXmlObjectBase::ToXmlFile(const char* fileName, bool includeDocHeader, bool
     file.Close();
 }
 
-void CXmlObjectBase::ToFastInfosetFile(const char*, FInfoDecl, const CXmlSerializationContext&,
-                                       CompressionType compression) const {
+void CXmlObjectBase::ToFastInfosetFile(const char* fileName, FInfoDecl declaration,
+                                       const CXmlSerializationContext& ctx, CompressionType compression) const {
     if (compression == CompressionType_ZLib) throw CQmException(kZlibOnlyForStreams);
-    FastInfosetUnavailable();
+    const CBinaryData bytes = ToFastInfosetStream(declaration, ctx, compression);
+    platform::CFileWriter file(fileName ? fileName : "");
+    file.Write(reinterpret_cast<const char*>(bytes.GetData()), bytes.GetLength());
+    file.Close();
 }
 
-CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl, const CXmlSerializationContext&, CompressionType) const {
-    FastInfosetUnavailable();
+CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration, const CXmlSerializationContext& ctx,
+                                                CompressionType compression) const {
+    CBinaryData bytes;
+    {
+        CFastInfosetWriter writer(bytes, ctx.GetFIContext(), declaration);
+        writer.StartDocument();
+        const std::string name = GetElementName();
+        ToXml_Int(&writer, true, name.c_str(), ctx, false);
+        writer.EndDocument();
+    }
+    if (compression == CompressionType_None) return bytes;
+    return CBinaryData::Compress(bytes.GetData(), bytes.GetLength(), compression);
 }
 
 void CXmlObjectBase::FromXmlFile(const char* fileName, const CXmlSerializationContext& ctx) {

@@ -122,13 +122,14 @@ TEST(EntryPoints, StreamsCompressionAndFiles) {
               "Failed to write data to the file [" + missingDir + "] error [0x00000002]");
 }
 
-TEST(EntryPoints, ReadingErrorsAndFastInfosetNotYetAvailable) {
+TEST(EntryPoints, ReadingErrorsAndFastInfosetErrors) {
     CSmartPtr<CElement> e = new CElement();
     EXPECT_EQ(MessageOf<CQmException>([&] { e->FromXml(""); }), "XML String is empty!");
     unsigned char byte = 0;
     EXPECT_EQ(MessageOf<CQmException>([&] { e->FromXmlStream(&byte, 0); }), "XML Stream is empty!");
     EXPECT_NE(MessageOf<CQmException>([&] { e->FromXml("<a><b></a>"); }).find(" at line 1"), std::string::npos);
-    EXPECT_THROW(e->ToFastInfosetStream(), CQmInvalidStateException);
+    EXPECT_EQ(MessageOf<CQmInvalidParamException>([&] { e->ToFastInfosetStream(); }),
+              "Failed to write FastInfoset. A name may not be empty.");
     EXPECT_EQ(MessageOf<CQmException>([&] {
                   e->ToFastInfosetFile("x.fi", FInfoDecl_None, CXmlSerializationContext::m_defaultContext,
                                        CompressionType_ZLib);
