@@ -1,5 +1,6 @@
 #include "qmxml/core/generated_class.h"
 
+#include <cstddef>
 #include <cstring>
 #include <typeinfo>
 #include <vector>
@@ -56,6 +57,12 @@ void CXmlObjectAccess::WriteMember(const CXmlObjectBase* object, CXmlWriter* wri
     // A substituted element name already tells the reader the class.
     if (classDiffers && !substituted && ctx.GetWriteTypeAttribute()) typeName = generated->GetTypeName();
     generated->WriteObject(writer, false, name, ctx, asChoiceMember, typeName.empty() ? nullptr : typeName.c_str());
+}
+
+int CXmlObjectAccess::ReadPseudoChildAttributes(CXmlObjectBase* object, const CXmlSerializationContext& ctx,
+                                                std::vector<CXmlAttribute*>& pending, bool validate) {
+    auto* generated = dynamic_cast<CXmlGeneratedClass*>(object);
+    return generated ? generated->TakePseudoChildAttributes(ctx, pending, validate) : 0;
 }
 
 CXmlGeneratedClass::~CXmlGeneratedClass() = default;
@@ -248,7 +255,9 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
         }
     }
 
+    std::vector<CXmlAttribute*> deferred;
     try {
+        const bool inlinedMembers = ownElement && HasInlinedMembers();
         if (ownElement) {
             if (const std::string* nil = FindNilAttribute(parent)) {
                 if (*nil == "true") {
@@ -258,9 +267,12 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
                         FormatString("Unexpected Value [%s] for 'nil' Attribute found.", nil->c_str()));
                 }
             }
-            ProcessAttributesFromXml(ctx, parent, isRoot);
+            ProcessAttributesFromXml(ctx, parent, isRoot, inlinedMembers ? &deferred : nullptr);
         }
-        if (m_nil) return nullptr;
+        if (m_nil) {
+            if (inlinedMembers) ProcessDeferredAttributes(ctx, deferred);
+            return nullptr;
+        }
 
         switch (info->GetElementGroupType()) {
             case XmlElementGroupType_Sequence:
@@ -275,6 +287,8 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
             default:
                 throw CQmException("Unknow Group Type");
         }
+        // Inlined members exist only now.
+        if (inlinedMembers) ProcessDeferredAttributes(ctx, deferred);
         if (ownElement && info->HasSimpleContent()) ReadSimpleContent(parent);
         return current;
     } catch (const CQmException& e) {
@@ -294,7 +308,35 @@ void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element) {
     AccessProperty(info->GetPrimitiveValuePropertyIndex(), false, value);
 }
 
-void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext& ctx, CXmlElement* element, bool) {
+bool CXmlGeneratedClass::ClaimAttribute(const CXmlSerializationContext& ctx, CXmlAttribute* attribute,
+                                        bool wildcards, std::vector<char>& found) {
+    CAttributeInfo** infos = GetClassAttributeInfo();
+    if (infos == nullptr) return false;
+    for (size_t i = 0; infos[i]; ++i) {
+        if (infos[i]->IsWildcard() != wildcards) continue;
+        if (infos[i]->AttributeFromXml(ctx, this, attribute)) {
+            if (i < found.size()) found[i] = 1;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool CXmlGeneratedClass::HasInlinedMembers() const {
+    CElementInfo** infos = GetClassElementInfo();
+    if (infos == nullptr) return false;
+    for (int i = 0; infos[i]; ++i) {
+        if (infos[i]->IsInlinedMember()) return true;
+    }
+    return false;
+}
+
+void CXmlGeneratedClass::ThrowUnknownAttribute(const CXmlAttribute* attribute) {
+    throw CQmValidationException(FormatString("Unexpected Attribute [%s] found.", attribute->GetLocalName().c_str()));
+}
+
+void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext& ctx, CXmlElement* element, bool,
+                                                  std::vector<CXmlAttribute*>* deferred) {
     CAttributeInfo** infos = GetClassAttributeInfo();
     const int count = [&] {
         int n = 0;
@@ -306,24 +348,62 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext
     std::vector<char> found(static_cast<size_t>(count), 0);
     for (CXmlAttribute* attribute : element->GetAttributes()) {
         if (attribute->IsNamespaceAttribute() || attribute->IsNilAttribute()) continue;
-        bool claimed = false;
         // Named members first, so that a wildcard never takes their attributes.
-        for (int pass = 0; pass < 2 && !claimed; ++pass) {
-            for (int i = 0; i < count; ++i) {
-                if (infos[i]->IsWildcard() != (pass == 1)) continue;
-                if (infos[i]->AttributeFromXml(ctx, this, attribute)) {
-                    found[static_cast<size_t>(i)] = 1;
-                    claimed = true;
-                    break;
-                }
-            }
+        if (ClaimAttribute(ctx, attribute, false, found)) continue;
+        if (deferred) {
+            deferred->push_back(attribute);
+            continue;
         }
-        if (!claimed && GetClassInfo()->GetFromXmlFailIfAttributeUnknown() && !ctx.GetIgnoreUnknownAttributes()) {
-            throw CQmValidationException(
-                FormatString("Unexpected Attribute [%s] found.", attribute->GetLocalName().c_str()));
+        if (ClaimAttribute(ctx, attribute, true, found)) continue;
+        if (GetClassInfo()->GetFromXmlFailIfAttributeUnknown() && !ctx.GetIgnoreUnknownAttributes()) {
+            ThrowUnknownAttribute(attribute);
         }
     }
     for (int i = 0; i < count; ++i) infos[i]->Validate(ctx, found[static_cast<size_t>(i)] != 0);
+}
+
+void CXmlGeneratedClass::ProcessDeferredAttributes(const CXmlSerializationContext& ctx,
+                                                   std::vector<CXmlAttribute*>& deferred) {
+    // Inlined members check their required attributes even when none is left.
+    if (CElementInfo** infos = GetClassElementInfo()) {
+        for (int i = 0; infos[i]; ++i) infos[i]->PseudoChildAttributesFromXml(ctx, this, deferred);
+    }
+    std::vector<char> unused;
+    for (CXmlAttribute* attribute : deferred) {
+        if (ClaimAttribute(ctx, attribute, true, unused)) continue;
+        if (GetClassInfo()->GetFromXmlFailIfAttributeUnknown() && !ctx.GetIgnoreUnknownAttributes()) {
+            ThrowUnknownAttribute(attribute);
+        }
+    }
+}
+
+int CXmlGeneratedClass::TakePseudoChildAttributes(const CXmlSerializationContext& ctx,
+                                                  std::vector<CXmlAttribute*>& pending, bool validate) {
+    CAttributeInfo** infos = GetClassAttributeInfo();
+    int count = 0;
+    if (infos) {
+        while (infos[count]) ++count;
+    }
+    std::vector<char> found(static_cast<size_t>(count), 0);
+    const size_t before = pending.size();
+    for (size_t i = 0; i < pending.size();) {
+        CXmlAttribute* attribute = pending[i];
+        if (ClaimAttribute(ctx, attribute, false, found) || ClaimAttribute(ctx, attribute, true, found)) {
+            pending.erase(pending.begin() + static_cast<std::ptrdiff_t>(i));
+        } else {
+            ++i;
+        }
+    }
+    if (CElementInfo** elements = GetClassElementInfo()) {
+        for (int i = 0; elements[i]; ++i) {
+            elements[i]->PseudoChildAttributesFromXml(ctx, this, pending);
+        }
+    }
+    const int taken = static_cast<int>(before - pending.size());
+    if (validate || taken > 0) {
+        for (int i = 0; i < count; ++i) infos[i]->Validate(ctx, found[static_cast<size_t>(i)] != 0);
+    }
+    return taken;
 }
 
 void CXmlGeneratedClass::ThrowLeftover(const CXmlElement* parent, const CXmlElement* current) {

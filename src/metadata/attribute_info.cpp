@@ -157,7 +157,8 @@ bool CAttributeInfoEnum::AttributeFromXml(const CXmlSerializationContext& ctx, C
                                           CXmlAttribute* attribute) {
     if (!IsThisAttribute(ctx, attribute)) return false;
     QmVariant value;
-    value.SetI4(m_fromString ? m_fromString(attribute->GetValue().c_str()) : 0);
+    const std::string text = CWhitespaceUtils::Collapse(attribute->GetValue());
+    value.SetI4(m_fromString ? m_fromString(text.c_str()) : 0);
     AccessProperty(obj, false, value);
     return true;
 }

@@ -37,6 +37,9 @@ CElementInfo::~CElementInfo() = default;
 void CElementInfo::PseudoChildAttributeToXml(const CXmlSerializationContext&, const CXmlGeneratedClass*,
                                              CXmlWriter*) const {}
 
+void CElementInfo::PseudoChildAttributesFromXml(const CXmlSerializationContext&, CXmlGeneratedClass*,
+                                                std::vector<CXmlAttribute*>&) const {}
+
 bool CElementInfo::IsMemberElement(const CXmlSerializationContext& ctx, const CXmlGeneratedClass*,
                                    const CXmlElement* element) const {
     return IsThisElement(ctx, element);

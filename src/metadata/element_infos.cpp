@@ -6,6 +6,7 @@
 #include "qmxml/collections/element.h"
 #include "qmxml/collections/xml_collection.h"
 #include "qmxml/core/exception.h"
+#include "qmxml/types/whitespace.h"
 #include "qmxml/dom/xml_element.h"
 #include "qmxml/metadata/parent_element_info.h"
 #include "variant_objects.h"
@@ -121,7 +122,8 @@ bool CElementInfoEnum<Group, Mandatory>::ElementFromXml(const CXmlSerializationC
         if (!m_nillable) this->ThrowNotNillable();
         value.SetNil();
     } else {
-        value.SetI4(m_fromString ? m_fromString(element->GetText().c_str()) : 0);
+        const std::string text = CWhitespaceUtils::Collapse(element->GetText());
+        value.SetI4(m_fromString ? m_fromString(text.c_str()) : 0);
     }
     this->AccessProperty(obj, false, value);
     *current = element->GetNextSiblingElement();
@@ -177,6 +179,23 @@ void CElementInfoCls<Group, Mandatory>::PseudoChildAttributeToXml(const CXmlSeri
     if (m_elementType == XmlElementType_Element) return;
     const CSmartPtr<CXmlObjectBase> member = ReadObject(obj, this->GetPropertyIndex());
     if (member) this->AttributesToXml_Int(member, writer, ctx);
+}
+
+template <class Group, bool Mandatory>
+void CElementInfoCls<Group, Mandatory>::PseudoChildAttributesFromXml(const CXmlSerializationContext& ctx,
+                                                                     CXmlGeneratedClass* obj,
+                                                                     std::vector<CXmlAttribute*>& pending) const {
+    if (m_elementType == XmlElementType_Element) return;
+    if (const CSmartPtr<CXmlObjectBase> member = ReadObject(obj, this->GetPropertyIndex())) {
+        CXmlObjectAccess::ReadPseudoChildAttributes(member, ctx, pending, true);
+        return;
+    }
+    if (pending.empty()) return;
+    // An absent optional member whose attributes alone were written.
+    const CSmartPtr<CXmlObjectBase> created = m_factory ? m_factory(m_classIndex, this->GetElementName().c_str()) : nullptr;
+    if (created && CXmlObjectAccess::ReadPseudoChildAttributes(created, ctx, pending, false) > 0) {
+        StoreObject(obj, this->GetPropertyIndex(), created);
+    }
 }
 
 template <class Group, bool Mandatory>
@@ -245,6 +264,18 @@ void CElementInfoAbsCls<Group, Mandatory>::PseudoChildAttributeToXml(const CXmlS
     if (m_elementType == XmlElementType_Element) return;
     const CSmartPtr<CXmlObjectBase> member = ReadObject(obj, this->GetPropertyIndex());
     if (member) this->AttributesToXml_Int(member, writer, ctx);
+}
+
+template <class Group, bool Mandatory>
+void CElementInfoAbsCls<Group, Mandatory>::PseudoChildAttributesFromXml(const CXmlSerializationContext& ctx,
+                                                                        CXmlGeneratedClass* obj,
+                                                                        std::vector<CXmlAttribute*>& pending) const {
+    if (m_elementType == XmlElementType_Element) return;
+    // Without an element the factory cannot pick a class: only a member read
+    // from the content takes attributes.
+    if (const CSmartPtr<CXmlObjectBase> member = ReadObject(obj, this->GetPropertyIndex())) {
+        CXmlObjectAccess::ReadPseudoChildAttributes(member, ctx, pending, true);
+    }
 }
 
 template <class Group, bool Mandatory>
@@ -349,7 +380,14 @@ bool CElementInfoUntpd<Group, Mandatory>::ElementFromXml(const CXmlSerialization
         const std::string ns = this->GetAnyDefaultNamespace(m_restriction.c_str(), m_defaultNamespace.c_str(), target);
         member = new CElement(this->GetElementName().c_str(), ns.c_str());
     }
+    const bool nil = this->IsNilElement(*current);
     ReadMemberObject(member, nullptr, current, ctx, false);
+    if (nil) {
+        if (auto* element = dynamic_cast<CElement*>(member.Get())) {
+            element->SetText("");
+            if (element->GetElementCount() > 0) element->GetElements().Clear();
+        }
+    }
     StoreObject(obj, this->GetPropertyIndex(), member);
     return true;
 }

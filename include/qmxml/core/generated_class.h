@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "qmxml/core/object_base.h"
 #include "qmxml/types/variant.h"
@@ -46,6 +47,10 @@ public:
                                 const CXmlSerializationContext& ctx) {
         object->AttributesToXml_Int(writer, ctx);
     }
+    // Offers attributes of the parent element to an inlined member object
+    // (a CXmlGeneratedClass; anything else takes none). Returns how many it took.
+    static int ReadPseudoChildAttributes(CXmlObjectBase* object, const CXmlSerializationContext& ctx,
+                                         std::vector<CXmlAttribute*>& pending, bool validate);
     static void SetElementName(CXmlObjectBase* object, const char* name) { object->SetElementName(name); }
     static const std::string& GetRecordedElementName(const CXmlObjectBase* object) {
         return object->GetRecordedElementName();
@@ -77,6 +82,15 @@ public:
 // still read, its content is not. A nil object writes its start tag,
 // attributes, xsi:nil="true" and nothing else. Whether a member may be nil is
 // the element info's business.
+//
+// Attributes of inlined members: an inlined member class (element type not 0)
+// writes its attributes onto the parent element, and reads them from there.
+// The parent's named attribute infos claim first; what they leave is, once the
+// content was read, offered to the inlined members in element-info order
+// (each takes with its named infos, then its wildcard, then passes the rest to
+// its own inlined members), then to the parent's wildcard; whatever remains
+// is an unknown attribute. A member that exists checks its required
+// attributes; an absent optional member is created when it takes one.
 //
 // Substitution: an object read through an abstract-class member records the
 // element name it was read from and is written under that name again. An
@@ -147,7 +161,20 @@ private:
     void ReadSimpleContent(const CXmlElement* element);
     void WriteSimpleContent(CXmlWriter* writer) const;
 
-    void ProcessAttributesFromXml(const CXmlSerializationContext& ctx, CXmlElement* element, bool isRoot);
+    // Attributes that the named infos leave go to `deferred` (given when the
+    // class has inlined members), for ProcessDeferredAttributes after the content.
+    void ProcessAttributesFromXml(const CXmlSerializationContext& ctx, CXmlElement* element, bool isRoot,
+                                  std::vector<CXmlAttribute*>* deferred);
+    void ProcessDeferredAttributes(const CXmlSerializationContext& ctx, std::vector<CXmlAttribute*>& deferred);
+    // Reads and removes the attributes of `pending` that this (inlined) object
+    // claims; checks its required attributes when `validate` or when it took any.
+    int TakePseudoChildAttributes(const CXmlSerializationContext& ctx, std::vector<CXmlAttribute*>& pending,
+                                  bool validate);
+    // Offers `attribute` to the named infos (wildcards false) or the wildcard infos.
+    bool ClaimAttribute(const CXmlSerializationContext& ctx, CXmlAttribute* attribute, bool wildcards,
+                        std::vector<char>& found);
+    bool HasInlinedMembers() const;
+    [[noreturn]] static void ThrowUnknownAttribute(const CXmlAttribute* attribute);
     void ProcessAttributesToXml(const CXmlSerializationContext& ctx, QmXmlLib10Data::CElementInfo** elementInfo,
                                 QmXmlLib10Data::CAttributeInfo** attributeInfo, CXmlWriter* writer) const;
     CXmlElement* ProcessElementSeqFromXml(const CXmlSerializationContext& ctx, CXmlElement* parent,

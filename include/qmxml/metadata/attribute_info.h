@@ -99,7 +99,8 @@ private:
     QmXmlLib10::CPrimitiveRestrictions m_facets;
 };
 
-// An enumerated attribute held as an int (i4).
+// An enumerated attribute held as an int (i4); its value is collapsed before
+// the text-to-enum function sees it, as for enumerated elements.
 class CAttributeInfoEnum : public CAttributeInfo {
 public:
     CAttributeInfoEnum(const char* name, const char* ns, int propertyIndex, bool optional,

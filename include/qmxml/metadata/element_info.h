@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "qmxml/core/enums.h"
 #include "qmxml/core/generated_class.h"
@@ -13,6 +14,7 @@
 #include "qmxml/types/variant.h"
 
 namespace QmXmlLib10 {
+class CXmlAttribute;
 class CXmlElement;
 class CXmlWriter;
 class CXmlObjectBase;
@@ -23,6 +25,7 @@ namespace QmXmlLib10Data {
 using QmXmlLib10::ItemType;
 using QmXmlLib10::XmlElementType;
 using QmXmlLib10::CPrimitiveRestrictions;
+using QmXmlLib10::CXmlAttribute;
 using QmXmlLib10::CXmlElement;
 using QmXmlLib10::CXmlGeneratedClass;
 using QmXmlLib10::CXmlObjectBase;
@@ -53,6 +56,14 @@ public:
     // Writes the attributes of an inlined member class onto the parent element.
     virtual void PseudoChildAttributeToXml(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj,
                                            CXmlWriter* writer) const;
+    // The reading side: the attributes of the parent element that the
+    // parent's own named infos left are offered to each inlined member class
+    // once the parent's content was read; the member takes (and removes from
+    // `pending`) those its infos claim. Does nothing by default.
+    virtual void PseudoChildAttributesFromXml(const CXmlSerializationContext& ctx, CXmlGeneratedClass* obj,
+                                              std::vector<CXmlAttribute*>& pending) const;
+    // True for a class member whose content is inlined in the parent's element.
+    virtual bool IsInlinedMember() const { return false; }
     // True when the element would be read by this member, without reading it.
     // The content-model readers use it to tell unknown elements from late ones.
     virtual bool IsMemberElement(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj,

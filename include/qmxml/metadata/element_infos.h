@@ -66,7 +66,11 @@ private:
 };
 
 // An enumerated value held as an int (i4) and converted by the two generated
-// functions. The bool is the nillable flag.
+// functions. The bool is the nillable flag. The text is collapsed before the
+// text-to-enum function sees it: the infos do not know the enumeration's base
+// type, and the token-like bases enumerations are built on compare collapsed
+// (a string base would preserve, but " red " meaning something other than
+// "red" is not a distinction schemas make in practice).
 template <class Group, bool Mandatory>
 class CElementInfoEnum : public Group {
 public:
@@ -92,7 +96,9 @@ private:
 // mandatory forms is the nillable flag; optional forms accept xsi:nil.
 // Inlined members (element type not 0) are read from the parent's current
 // child: always for mandatory ones, and for optional ones when the member
-// class claims that child.
+// class claims that child. Their attributes sit on the parent element: an
+// existing member takes those its infos claim and checks its required ones;
+// an absent optional member is created when its class claims one of them.
 template <class Group, bool Mandatory>
 class CElementInfoCls : public Group {
 public:
@@ -105,6 +111,9 @@ public:
                         CXmlElement** current, const char* targetNamespace, XmlElementType type) override;
     void PseudoChildAttributeToXml(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj,
                                    CXmlWriter* writer) const override;
+    void PseudoChildAttributesFromXml(const CXmlSerializationContext& ctx, CXmlGeneratedClass* obj,
+                                      std::vector<CXmlAttribute*>& pending) const override;
+    bool IsInlinedMember() const override { return m_elementType != QmXmlLib10::XmlElementType_Element; }
     bool IsMemberElement(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj,
                          const CXmlElement* element) const override;
 
@@ -140,6 +149,9 @@ public:
                         CXmlElement** current, const char* targetNamespace, XmlElementType type) override;
     void PseudoChildAttributeToXml(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj,
                                    CXmlWriter* writer) const override;
+    void PseudoChildAttributesFromXml(const CXmlSerializationContext& ctx, CXmlGeneratedClass* obj,
+                                      std::vector<CXmlAttribute*>& pending) const override;
+    bool IsInlinedMember() const override { return m_elementType != QmXmlLib10::XmlElementType_Element; }
     bool IsMemberElement(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj,
                          const CXmlElement* element) const override;
 
@@ -154,6 +166,10 @@ private:
 // An element wildcard or an element without a type, held as a CElement. Named
 // "AnyElement", it takes any element whose namespace passes the restriction;
 // under any other name, the element of that name.
+// Nil: the element is kept whole, so xsi:nil="true" stays among its attributes
+// and is written back; such an element's text and children are dropped (a nil
+// element has no content). "false" reads normally; any other value throws
+// "Unexpected Value [%s] for 'nil' Attribute found.".
 template <class Group, bool Mandatory>
 class CElementInfoUntpd : public Group {
 public:
