@@ -44,3 +44,6 @@
 #include "qmxml/types/whitespace.h"
 
 #include "qmxml/fastinfoset/fast_infoset_context.h"
+#include "qmxml/fastinfoset/binary_algorithms.h"
+#include "qmxml/fastinfoset/fi_writer.h"
+#include "qmxml/fastinfoset/vocabulary.h"
