@@ -118,6 +118,22 @@ protected:
         return texts;
     }
 
+    // Encodes every XML text with the reference serializer in one JVM run.
+    std::vector<std::string> EncodeWithReference(const std::vector<std::string>& texts) {
+        std::string command = "java -cp " + std::string(kJar) + ":" + m_dir + " FiToXml --encode";
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            const std::string in = m_dir + "/src" + std::to_string(i) + ".xml";
+            WriteFile(in, reinterpret_cast<const unsigned char*>(texts[i].data()), texts[i].size());
+            command += " " + in + " " + in + ".finf";
+        }
+        EXPECT_EQ(std::system((command + " 2>" + m_dir + "/java.err").c_str()), 0) << ReadFile(m_dir + "/java.err");
+        std::vector<std::string> documents;
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            documents.push_back(ReadFile(m_dir + "/src" + std::to_string(i) + ".xml.finf"));
+        }
+        return documents;
+    }
+
     std::string m_dir;
 };
 
@@ -215,4 +231,28 @@ TEST_F(FastInfosetInterop, ReferenceDecoderReadsTypedValues) {
     EXPECT_EQ(decoded[0],
               "<v i=\"-7\" d=\"2024-08-08\" j=\"-7\"><x>0AFF</x><x>AQID</x><x>-2</x><x>70000</x><x>-5000000000</x>"
               "<x>true</x><x>1.5</x><x>-0.25</x><x>12:30:00Z</x><x>-12.5</x><x>-2</x><x>true</x></v>");
+}
+
+TEST_F(FastInfosetInterop, ReaderLoadsReferenceEncodedDocuments) {
+    const std::vector<std::string> names = {"namespaces", "repeated", "long", "astral", "deep", "orders", "misc"};
+    std::vector<std::string> sources;
+    for (const std::string& name : names) {
+        sources.push_back(name == "misc" ? "<?xml version='1.0'?><!DOCTYPE r><!-- c --><r:r xmlns:r='urn:r' "
+                                           "a='1'><?pi x?><b>t&#13;\nx<!-- d --></b><b/><b a='1'>t</b></r:r>"
+                                         : Corpus(name));
+    }
+    const std::vector<std::string> encoded = EncodeWithReference(sources);
+    ASSERT_EQ(encoded.size(), names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        SCOPED_TRACE(names[i]);
+        ASSERT_GT(encoded[i].size(), 4u);
+        ASSERT_EQ(encoded[i].compare(0, 4, std::string("\xE0\0\0\x01", 4)), 0);
+        CXmlDocument original(CXmlSerializationContext::m_defaultContext);
+        original.LoadXml(sources[i].c_str());
+        CXmlDocument binary(CXmlSerializationContext::m_defaultContext);
+        std::vector<unsigned char> octets(encoded[i].begin(), encoded[i].end());
+        ASSERT_NO_THROW(binary.LoadXmlStream(octets.data(), static_cast<std::uint32_t>(octets.size())));
+        ExpectSameInfoset(original.GetDocumentElement(), binary.GetDocumentElement(), "");
+        EXPECT_EQ(binary.GetDocumentElement()->GetText(), original.GetDocumentElement()->GetText());
+    }
 }

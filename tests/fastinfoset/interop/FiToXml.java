@@ -1,5 +1,6 @@
 // Decodes Fast Infoset files into XML text through the reference
-// implementation's SAX parser: FiToXml in1 out1 [in2 out2 ...].
+// implementation's SAX parser: FiToXml in1 out1 [in2 out2 ...]. With
+// --encode first, encodes XML files into Fast Infoset with its serializer.
 import java.io.*;
 import java.nio.charset.StandardCharsets;
 import java.util.ArrayList;
@@ -61,7 +62,27 @@ public class FiToXml extends DefaultHandler {
         try { escaped(new String(ch, start, length), false); } catch (IOException e) { throw new UncheckedIOException(e); }
     }
 
+    static void encode(String[] args) throws Exception {
+        javax.xml.parsers.SAXParserFactory factory = javax.xml.parsers.SAXParserFactory.newInstance();
+        factory.setNamespaceAware(true);
+        for (int i = 1; i + 1 < args.length; i += 2) {
+            try (InputStream in = new BufferedInputStream(new FileInputStream(args[i]));
+                 OutputStream out = new BufferedOutputStream(new FileOutputStream(args[i + 1]))) {
+                com.sun.xml.fastinfoset.sax.SAXDocumentSerializer serializer =
+                    new com.sun.xml.fastinfoset.sax.SAXDocumentSerializer();
+                serializer.setOutputStream(out);
+                javax.xml.parsers.SAXParser parser = factory.newSAXParser();
+                parser.setProperty("http://xml.org/sax/properties/lexical-handler", serializer);
+                parser.parse(new InputSource(in), serializer);
+            }
+        }
+    }
+
     public static void main(String[] args) throws Exception {
+        if (args.length > 0 && args[0].equals("--encode")) {
+            encode(args);
+            return;
+        }
         for (int i = 0; i + 1 < args.length; i += 2) {
             try (InputStream in = new BufferedInputStream(new FileInputStream(args[i]));
                  Writer out = new BufferedWriter(new OutputStreamWriter(new FileOutputStream(args[i + 1]), StandardCharsets.UTF_8))) {

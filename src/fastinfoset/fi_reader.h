@@ -1,0 +1,110 @@
+// Decodes a Fast Infoset document into a CXmlDocument. Internal to the
+// library: documents reach it through the document loader.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace QmXmlLib10 {
+
+class CXmlDocument;
+class CXmlElement;
+class CXmlSerializationContext;
+class CFastInfosetContext;
+class CFIVocabulary;
+
+class CFastInfosetReader {
+public:
+    CFastInfosetReader(const CFastInfosetContext& fiContext, const CXmlSerializationContext& context);
+    ~CFastInfosetReader();
+    CFastInfosetReader(const CFastInfosetReader&) = delete;
+    CFastInfosetReader& operator=(const CFastInfosetReader&) = delete;
+
+    // False, with nothing built, when data is not Fast Infoset; throws
+    // CQmException when it is but is malformed.
+    bool Parse(CXmlDocument& document, const unsigned char* data, std::size_t length);
+
+    // The document loader's hook.
+    static bool Load(CXmlDocument& document, const unsigned char* data, std::uint32_t length,
+                     const CXmlSerializationContext& context);
+
+private:
+    struct QName {
+        const std::string* localName;
+        const std::string* namespaceURI;
+    };
+    struct Open {
+        CXmlElement* element;
+        std::size_t textStart;
+    };
+    enum class Table { Prefix, Namespace, Local, OtherNCName, OtherURI };
+
+    unsigned char Byte();
+    std::uint32_t Octets(int count);
+    const unsigned char* Take(std::uint64_t length);
+
+    std::uint32_t IntegerBit2(unsigned char octet);
+    std::uint32_t IntegerZeroBit2(unsigned char octet);
+    std::uint32_t IntegerBit3(unsigned char octet);
+    std::uint32_t IntegerBit4(unsigned char octet);
+    std::uint64_t LengthBit2(unsigned char octet);
+    std::uint64_t LengthBit5(unsigned char octet);
+    std::uint64_t LengthBit7(unsigned char octet);
+    std::uint32_t SequenceLength();
+
+    void ToLocal(const unsigned char* octets, std::size_t length, std::string& out);
+    void Utf16ToLocal(const unsigned char* octets, std::size_t length, std::string& out, bool fifthBit);
+    void RestrictedAlphabet(std::uint32_t index, const unsigned char* octets, std::size_t length, std::string& out);
+    void Algorithm(std::uint32_t index, const unsigned char* octets, std::size_t length, std::string& out);
+
+    const std::string& IdentifyingString(Table table);
+    void SkipOctetStringBit2();
+    void NonIdentifyingStringBit1(std::vector<std::string>* table, std::uint32_t* count, std::string& out);
+    void CharacterChunk(unsigned char octet, std::string& out);
+    void EncodedStringBit3(unsigned char octet, std::string& out);
+    QName ElementName(unsigned char octet);
+    QName AttributeName(unsigned char octet);
+    QName LiteralName(unsigned char octet, std::vector<QName>& table);
+
+    void OptionalComponents();
+    void InitialVocabulary();
+    void ProcessingInstruction();
+    void Comment();
+    bool DocumentTypeDeclaration(unsigned char octet);
+    bool StartElement(unsigned char octet);
+    bool Elements(unsigned char octet);
+    void AppendChunkText(const std::string& chunk);
+    void CloseElement();
+
+    void LoadVocabulary();
+
+    const CXmlSerializationContext& m_context;
+    std::unique_ptr<CFIVocabulary> m_vocabulary;
+    const unsigned char* m_data = nullptr;
+    std::size_t m_length = 0;
+    std::size_t m_position = 0;
+    CXmlDocument* m_document = nullptr;
+
+    // The working vocabulary's tables as the reader indexes them.
+    std::vector<std::string> m_alphabets;
+    std::vector<std::string> m_prefixes;
+    std::vector<std::string> m_namespaces;
+    std::vector<std::string> m_localNames;
+    std::vector<std::string> m_attributeValues;
+    std::vector<std::string> m_chunks;
+    std::vector<QName> m_elementNames;
+    std::vector<QName> m_attributeNames;
+    std::uint32_t m_otherNCNames = 0;
+    std::uint32_t m_otherURIs = 0;
+    std::uint32_t m_otherStrings = 0;
+
+    std::vector<Open> m_open;
+    std::string m_text;
+    std::string m_scratch;
+    std::string m_value;
+};
+
+}  // namespace QmXmlLib10

@@ -1,0 +1,407 @@
+#include <gtest/gtest.h>
+
+#include <zlib.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include <qmxml/collections/element.h>
+#include <qmxml/core/exception.h>
+#include <qmxml/core/serialization_context.h>
+#include <qmxml/dom/xml_document.h>
+#include <qmxml/dom/xml_element.h>
+#include <qmxml/fastinfoset/fi_writer.h>
+
+#include "dom/xml_document_loading.h"
+#include "fastinfoset/fi_reader.h"
+
+using namespace QmXmlLib10;
+
+namespace {
+
+using Octets = std::vector<unsigned char>;
+
+Octets Of(const CBinaryData& data) { return Octets(data.GetData(), data.GetData() + data.GetLength()); }
+
+Octets Cat(std::initializer_list<Octets> parts) {
+    Octets out;
+    for (const Octets& p : parts) out.insert(out.end(), p.begin(), p.end());
+    return out;
+}
+
+Octets Text(const std::string& s) { return Octets(s.begin(), s.end()); }
+
+const Octets kHeader = {0xE0, 0x00, 0x00, 0x01, 0x00};
+
+void Load(CXmlDocument& doc, Octets octets) {
+    doc.LoadXmlStream(octets.data(), static_cast<std::uint32_t>(octets.size()));
+}
+
+std::string LoadError(Octets octets) {
+    CXmlDocument doc;
+    try {
+        Load(doc, std::move(octets));
+    } catch (const CQmException& e) {
+        return e.what();
+    }
+    return "no exception";
+}
+
+Octets Encode(const std::string& xml, FInfoDecl declaration = FInfoDecl_None) {
+    CSmartPtr<CElement> element = new CElement();
+    element->FromXml(xml.c_str());
+    return Of(element->ToFastInfosetStream(declaration));
+}
+
+// Names, namespaces, attributes in order, text and children.
+void ExpectSameTree(const CXmlElement* expected, const CXmlElement* actual, const std::string& path = "") {
+    ASSERT_NE(actual, nullptr) << path;
+    const std::string here = path + "/" + expected->GetLocalName();
+    ASSERT_EQ(actual->GetLocalName(), expected->GetLocalName()) << here;
+    ASSERT_EQ(actual->GetNamespaceURI(), expected->GetNamespaceURI()) << here;
+    const auto& ea = expected->GetAttributes();
+    const auto& aa = actual->GetAttributes();
+    ASSERT_EQ(aa.size(), ea.size()) << here;
+    for (std::size_t i = 0; i < ea.size(); ++i) {
+        EXPECT_EQ(aa[i]->GetLocalName(), ea[i]->GetLocalName()) << here;
+        EXPECT_EQ(aa[i]->GetNamespaceURI(), ea[i]->GetNamespaceURI()) << here;
+        EXPECT_EQ(aa[i]->GetValue(), ea[i]->GetValue()) << here;
+    }
+    EXPECT_EQ(actual->GetText(), expected->GetText()) << here;
+    // Siblings iteratively, depth by recursion: the corpora here are shallow.
+    const CXmlElement* a = actual->GetFirstElement();
+    for (const CXmlElement* e = expected->GetFirstElement(); e; e = e->GetNextSiblingElement()) {
+        ExpectSameTree(e, a, here);
+        if (::testing::Test::HasFatalFailure() || a == nullptr) return;
+        a = a->GetNextSiblingElement();
+    }
+    EXPECT_EQ(a, nullptr) << here << ": more children than expected";
+}
+
+void ExpectRoundTrip(const std::string& xml, FInfoDecl declaration = FInfoDecl_None) {
+    CXmlDocument text;
+    text.LoadXml(xml.c_str());
+    CXmlDocument binary;
+    Load(binary, Encode(xml, declaration));
+    ExpectSameTree(text.GetDocumentElement(), binary.GetDocumentElement());
+}
+
+}  // namespace
+
+TEST(FastInfosetReader, SmallestDocument) {
+    CXmlDocument doc;
+    Load(doc, {0xE0, 0x00, 0x00, 0x01, 0x00, 0x3C, 0x00, 0x61, 0xFF});
+    ASSERT_NE(doc.GetDocumentElement(), nullptr);
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "a");
+    EXPECT_EQ(doc.GetDocumentElement()->GetNamespaceURI(), "");
+    EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement(), nullptr);
+}
+
+TEST(FastInfosetReader, RoundTripsNamespacesAndAttributes) {
+    ExpectRoundTrip(
+        "<r:root xmlns:r='urn:r' xmlns='urn:d' xmlns:x='urn:x' x:a='1' b=''>"
+        "<item x:a='2' xml:lang='en'><x:child>t</x:child><plain xmlns=''>p<deep xmlns='urn:e'/></plain>"
+        "<r:back r:z='3'/></item><item/><item x:a='2'>t</item></r:root>");
+}
+
+TEST(FastInfosetReader, RoundTripsLongAndNonBmpValues) {
+    const std::string l1(70, 'a'), l2(300, 'b'), l3(70000, 'c');
+    const std::string n65(65, 'n'), n321(321, 'm');
+    ExpectRoundTrip("<long v1='" + l1 + "' v2='" + l2 + "' v3='" + l3 + "'><" + n65 + ">" + l1 + "</" + n65 + "><" +
+                    n321 + ">" + l2 + "</" + n321 + "><t>" + l3 + "</t><t>a &amp; b &lt; c\n\td</t></long>");
+    ExpectRoundTrip("<u k='\xF0\x9D\x84\x9E'>\xF0\x9F\x98\x80 caf\xC3\xA9 \xE6\x97\xA5\xE6\x9C\xAC"
+                    "<v>\xF0\x9F\x98\x80</v><v>\xF0\x90\x80\x80\xF0\x9F\x98\x80\xF0\x9F\x98\x80</v></u>");
+}
+
+TEST(FastInfosetReader, RoundTripsEveryIndexRange) {
+    std::string x = "<doc>";
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < 9000; ++i) {
+            const std::string n = std::to_string(i);
+            x += "<e" + std::to_string(i % 2200) + " a" + std::to_string(i % 8300) + "='" + n + "'>" +
+                 std::to_string(i % 2200 + 50000) + "</e" + std::to_string(i % 2200) + ">";
+        }
+    }
+    ExpectRoundTrip(x + "</doc>");
+}
+
+TEST(FastInfosetReader, RoundTripsDeclarationsAndDepth) {
+    std::string x;
+    for (int i = 0; i < 300; ++i) x += "<n" + std::to_string(i % 7) + " d='" + std::to_string(i) + "'>";
+    x += "bottom";
+    for (int i = 299; i >= 0; --i) x += "</n" + std::to_string(i % 7) + ">";
+    ExpectRoundTrip(x, FInfoDecl_4);
+    ExpectRoundTrip(x, FInfoDecl_9);
+}
+
+TEST(FastInfosetReader, TypedValuesReadAsText) {
+    CFastInfosetContext context;
+    context.SetSuggestedValues();
+    CBinaryData out;
+    {
+        CFastInfosetWriter w(out, context, FInfoDecl_None);
+        w.StartDocument();
+        w.StartElement("v", "");
+        w.WriteAttribute("i", "", "-7", ItemType_i4);
+        w.WriteAttribute("d", "", "2024-08-08", ItemType_date);
+        w.WriteAttribute("n", "", "-12.5e3", ItemType_decimal);
+        w.WriteAttribute("b", "", "true", ItemType_boolean);
+        w.WriteAttribute("h", "", "0AFF", ItemType_hexBinary);
+        w.StartElement("c", "");
+        w.WriteText("-5000000000", ItemType_i8);
+        w.EndElement();
+        w.StartElement("c", "");
+        w.WriteText("2024-08-08T10:11:12Z", ItemType_datetime);
+        w.EndElement();
+        w.StartElement("c", "");
+        w.WriteText("1.5", ItemType_r8);
+        w.EndElement();
+        w.EndElement();
+        w.EndDocument();
+    }
+    CXmlDocument doc;
+    Load(doc, Of(out));
+    const CXmlElement* v = doc.GetDocumentElement();
+    ASSERT_NE(v, nullptr);
+    ASSERT_EQ(v->GetAttributes().size(), 5u);
+    EXPECT_EQ(v->GetAttributes()[0]->GetValue(), "-7");
+    EXPECT_EQ(v->GetAttributes()[1]->GetValue(), "2024-08-08");
+    EXPECT_EQ(v->GetAttributes()[2]->GetValue(), "-12.5e3");
+    EXPECT_EQ(v->GetAttributes()[3]->GetValue(), "true");
+    EXPECT_EQ(v->GetAttributes()[4]->GetValue(), "0AFF");
+    const CXmlElement* c = v->GetFirstElement();
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->GetText(), "-5000000000");
+    c = c->GetNextSiblingElement();
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->GetText(), "2024-08-08T10:11:12Z");
+    c = c->GetNextSiblingElement();
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->GetText(), "1.5");
+}
+
+TEST(FastInfosetReader, HeaderRecognition) {
+    CXmlDocument doc;
+    // The bare four octets are not Fast Infoset: they go to the XML parser.
+    EXPECT_NE(LoadError({0xE0, 0x00, 0x00, 0x01}).find("at line"), std::string::npos);
+    Load(doc, Cat({Text("<?xml version='1.0' encoding='finf'?>"), {0xE0, 0x00, 0x00, 0x01, 0x00, 0x3C, 0x00, 0x62,
+                                                                  0xFF}}));
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "b");
+}
+
+TEST(FastInfosetReader, CompressedInputAndEntryPoints) {
+    const Octets plain = Encode("<r a='1'><c>x</c></r>");
+    uLongf size = compressBound(plain.size());
+    Octets packed(size);
+    ASSERT_EQ(compress(packed.data(), &size, plain.data(), plain.size()), Z_OK);
+    packed.resize(size);
+    CXmlDocument doc;
+    Load(doc, packed);
+    EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement()->GetText(), "x");
+
+    CSmartPtr<CElement> element = new CElement();
+    element->FromXmlStream(CBinaryData(packed.data(), static_cast<std::uint32_t>(packed.size()), false));
+    CSmartPtr<CElement> fromText = new CElement();
+    fromText->FromXml("<r a='1'><c>x</c></r>");
+    EXPECT_EQ(element->ToXml(false), fromText->ToXml(false));
+
+    const std::string path = ::testing::TempDir() + "qmxml_fi_reader.finf";
+    std::FILE* f = std::fopen(path.c_str(), "wb");
+    ASSERT_NE(f, nullptr);
+    std::fwrite(plain.data(), 1, plain.size(), f);
+    std::fclose(f);
+    CXmlDocument fromFile;
+    fromFile.Load(path.c_str());
+    std::remove(path.c_str());
+    EXPECT_EQ(fromFile.GetDocumentElement()->GetAttributes()[0]->GetValue(), "1");
+}
+
+TEST(FastInfosetReader, CarriageReturnsAreDropped) {
+    // Literal chunk "a\r\nb" (4 octets on the seventh bit: 0x82, length-3).
+    CXmlDocument doc;
+    Load(doc, Cat({kHeader, {0x3C, 0x00, 0x61, 0x82, 0x01}, Text("a\r\nb"), {0xFF}}));
+    EXPECT_EQ(doc.GetDocumentElement()->GetText(), "a\nb");
+}
+
+TEST(FastInfosetReader, ThirdBitIndexReadOneHigher) {
+    const std::string prefix = "Failed to parse FastInfoset. ";
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x30, 0x00, 0x00, 0x01, 0xFF}})), prefix + "Index out of range.");
+}
+
+TEST(FastInfosetReader, MalformedInputMessages) {
+    const std::string prefix = "Failed to parse FastInfoset. ";
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C}})), prefix + "Unexpected End of File.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x05, 0x61}})), prefix + "Unexpected End of File.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0xC8}})), prefix + "Invalid Encoding of Element type.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3E, 0x00, 0x70, 0x00, 0x61, 0xFF}})),
+              prefix + "Invalid QName type Prefix without Namespace.");
+    // Element index 2 with one name in the table.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x01, 0xFF}})), prefix + "Index out of range.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x70, 0xFF}})),
+              prefix + "Invalid NonEmptyOctetString type  on the second bit of an octet.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x34, 0xFF}})),
+              prefix + "Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0xBC, 0xFF}})),
+              prefix + "Invalid Encoding of integers 1 To 2^20 type  on the fourth bit of an octet.");
+    // Attribute value as index '1110...' on the second bit.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x00, 0x62, 0xF0, 0xFF}})),
+              prefix + "Invalid Encoding of integers 0 To 2^20 type  on the second bit of an octet.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x7C, 0x00, 0x61, 0x70, 0xFF}})),
+              prefix + "Invalid Encoding of integers 1 To 2^20 type  on the second bit of an octet.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x00, 0x62, 0x0E, 0xFF}})),
+              prefix + "Invalid NonEmptyOctetString type  on the fifth bit of an octet.");
+    // UTF-16 of odd length in an attribute value and in a chunk.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x00, 0x62, 0x10, 0x41, 0xFF}})),
+              prefix + "Invalid EncodedCharacterString type  on the third bit of an octet.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x84, 0x41, 0xFF}})),
+              prefix + "Invalid EncodedCharacterString type  on the fifth bit of an octet.");
+    // Restricted alphabet 3 does not exist; encoding algorithm 11 is unknown.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x88, 0x08, 0x12, 0xFF}})), prefix + "Index out of range.");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x8C, 0x28, 0x01, 0xFF}})), "Unknown byte encoding.");
+    // Encoding algorithm 3 (short) with three octets.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x8C, 0x0A, 0x00, 0x01, 0x02, 0x03, 0xFF}})),
+              "Invalid value for SHORT byte encoding.");
+    // A second document element.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0xF0, 0x00, 0xF0}})), prefix + "Invalid Encoding of Element type.");
+}
+
+TEST(FastInfosetReader, RestrictedAlphabetsDecode) {
+    // Numeric alphabet: "12" is 0x12, then the terminator in a padding nibble.
+    CXmlDocument doc;
+    Load(doc, Cat({kHeader, {0x3C, 0x00, 0x61, 0x88, 0x00, 0x12, 0xFF}}));
+    EXPECT_EQ(doc.GetDocumentElement()->GetText(), "12");
+    Load(doc, Cat({kHeader, {0x3C, 0x00, 0x61, 0x88, 0x04, 0x1F, 0xFF}}));  // alphabet 2, "1" and the terminator
+    EXPECT_EQ(doc.GetDocumentElement()->GetText(), "1");
+    Load(doc, Cat({kHeader, {0x3C, 0x00, 0x61, 0x88, 0x05, 0x1D, 0xBF, 0xFF}}));  // "1Z:" then the terminator
+    EXPECT_EQ(doc.GetDocumentElement()->GetText(), "1Z:");
+}
+
+TEST(FastInfosetReader, EveryTruncationThrows) {
+    const Octets whole = Encode(
+        "<r:root xmlns:r='urn:r' xmlns='urn:d' a='1' b=''><item r:a='2'>text<x/>text</item><item/></r:root>");
+    for (std::size_t n = 5; n < whole.size(); ++n) {
+        SCOPED_TRACE(n);
+        EXPECT_EQ(LoadError(Octets(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n))),
+                  "Failed to parse FastInfoset. Unexpected End of File.");
+    }
+    CXmlDocument doc;
+    Load(doc, whole);
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "root");
+}
+
+TEST(FastInfosetReader, MillionDeepNestingNeedsNoRecursion) {
+    // <a> literal, then index 1 a million times, then terminators.
+    const std::size_t depth = 1000000;
+    Octets octets = Cat({kHeader, {0x3C, 0x00, 0x61}});
+    octets.insert(octets.end(), depth - 1, 0x00);
+    octets.insert(octets.end(), depth / 2, 0xFF);
+    octets.push_back(0xF0);  // the document's own terminator
+    CXmlDocument doc;
+    Load(doc, octets);
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "a");
+    // Truncated the same way: an exception, not a crash.
+    octets.pop_back();
+    EXPECT_EQ(LoadError(octets), "Failed to parse FastInfoset. Unexpected End of File.");
+}
+
+TEST(FastInfosetReader, SkipsOptionalComponentsAndDropsComments) {
+    // Standalone and an initial vocabulary listing prefix "p"; a comment and
+    // a processing instruction before and inside the element.
+    const Octets doc1 = Cat({{0xE0, 0x00, 0x00, 0x01, 0x22, 0x02, 0x00, 0x00, 0x00}, Text("p"), {0x01},
+                             {0xE2, 0x01}, Text("hi"),
+                             {0x38, 0xCF, 0x00}, Text("q"), {0x04}, Text("urn:q"), {0xF0, 0x3F, 0x81, 0x81, 0x00},
+                             Text("a"), {0xE1, 0x00}, Text("t"), {0x01}, Text("dd"), {0xFF}});
+    CXmlDocument doc;
+    Load(doc, doc1);
+    const CXmlElement* root = doc.GetDocumentElement();
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(root->GetLocalName(), "a");
+    EXPECT_EQ(root->GetNamespaceURI(), "urn:q");
+    EXPECT_EQ(root->GetFirstElement(), nullptr);
+}
+
+TEST(FastInfosetReader, StartsFromTheContextVocabularyWithoutChangingIt) {
+    CXmlSerializationContext context;
+    CFastInfosetContext& fi = context.GetFIContext();
+    fi.GetVocabulary()->AddElement("v", "urn:v", "pre");
+    fi.SetUseGeneratedVocabulary(true);
+    CBinaryData out;
+    {
+        CFastInfosetWriter w(out, fi, FInfoDecl_None);
+        w.StartDocument();
+        w.StartElement("pre", "urn:v");
+        w.StartElement("fresh", "");
+        w.EndElement();
+        w.EndElement();
+        w.EndDocument();
+    }
+    CXmlDocument doc(context);
+    Load(doc, Of(out));
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "pre");
+    EXPECT_EQ(doc.GetDocumentElement()->GetNamespaceURI(), "urn:v");
+    EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement()->GetLocalName(), "fresh");
+    EXPECT_EQ(fi.GetVocabulary()->GetElementNamesTable().GetCount(), 1u);
+    EXPECT_EQ(fi.GetVocabulary()->GetLocalNamesTable().GetCount(), 1u);
+    // Without the option the declared vocabulary is not resolved: index 1 is unknown.
+    EXPECT_EQ(LoadError(Of(out)), "Failed to parse FastInfoset. Index out of range.");
+}
+
+TEST(FastInfosetReader, FilterRemovesCompletedChildren) {
+    CXmlDocument doc([](CXmlElement* e) { return e->GetLocalName() == "drop"; });
+    Load(doc, Encode("<r><keep/><drop><x/></drop><keep>k</keep></r>"));
+    const CXmlElement* c = doc.GetDocumentElement()->GetFirstElement();
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->GetLocalName(), "keep");
+    c = c->GetNextSiblingElement();
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->GetText(), "k");
+    EXPECT_EQ(c->GetNextSiblingElement(), nullptr);
+}
+
+TEST(FastInfosetReader, Utf16LiteralsAndEmptyAttributeValue) {
+    // Chunk in UTF-16 (discriminant 01): "h" and U+1F600 as a surrogate pair.
+    CXmlDocument doc;
+    Load(doc, Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x00, 0x62, 0xFF, 0xF0, 0x86, 0x03, 0x00, 0x68, 0xD8, 0x3D,
+                             0xDE, 0x00, 0xFF}}));
+    const CXmlElement* root = doc.GetDocumentElement();
+    ASSERT_EQ(root->GetAttributes().size(), 1u);
+    EXPECT_EQ(root->GetAttributes()[0]->GetLocalName(), "b");
+    EXPECT_EQ(root->GetAttributes()[0]->GetValue(), "");
+    EXPECT_EQ(root->GetText(), "h\xF0\x9F\x98\x80");
+}
+
+TEST(FastInfosetReader, AttributesEndedWithTwoTerminators) {
+    // 0xFF after the last attribute closes the attributes and the element.
+    CXmlDocument doc;
+    Load(doc, Cat({kHeader, {0x3C, 0x00, 0x72, 0x7C, 0x00, 0x61, 0x78, 0x00, 0x62, 0x40, 0x31, 0xFF, 0x01, 0xFF, 0xF0}}));
+    const CXmlElement* a = doc.GetDocumentElement()->GetFirstElement();
+    ASSERT_NE(a, nullptr);
+    EXPECT_EQ(a->GetAttributes()[0]->GetValue(), "1");
+    ASSERT_NE(a->GetNextSiblingElement(), nullptr);
+    EXPECT_EQ(a->GetNextSiblingElement()->GetLocalName(), "a");
+}
+
+TEST(FastInfosetReader, CorruptedOctetsLoadOrThrowTheLibrarysException) {
+    const Octets whole = Encode("<r:root xmlns:r='urn:r' a='1' b='2'><item r:a='2'>text<x/>te\xC3\xA9</item><item/>"
+                                "<item r:a='2'>text</item></r:root>");
+    int loaded = 0;
+    int refused = 0;
+    for (std::size_t i = 5; i < whole.size(); ++i) {
+        for (unsigned char value : {0x00, 0x3C, 0x7F, 0x80, 0xC0, 0xF0, 0xFF}) {
+            Octets octets = whole;
+            octets[i] = value;
+            CXmlDocument doc;
+            try {
+                Load(doc, octets);
+                ++loaded;
+            } catch (const CQmException&) {
+                ++refused;
+            } catch (...) {
+                ADD_FAILURE() << "octet " << i << " = " << int(value) << " threw something else";
+            }
+        }
+    }
+    EXPECT_EQ(loaded + refused, static_cast<int>((whole.size() - 5) * 7));
+    EXPECT_GT(refused, 0);
+}
