@@ -2,6 +2,8 @@
 // arguments runs the main job on the bundled order book.
 #include <qmxml/qmxml.h>
 
+#include <zlib.h>
+
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -18,10 +20,12 @@ namespace {
 
 const char* kUsage =
     "usage: qmxml                      run the main job on the bundled order book\n"
-    "       qmxml convert IN OUT [--encoding utf-8|utf-16] [--eol lf|crlf] [--indent|--no-indent]\n"
-    "                            [--no-declaration] [--compress none|gzip|zlib]\n"
+    "       qmxml convert IN OUT [--to xml|fi] [--encoding utf-8|utf-16] [--eol lf|crlf]\n"
+    "                            [--indent|--no-indent] [--no-declaration] [--compress none|gzip|zlib]\n"
+    "                            [--fi-declaration 0..9] [--fi-typed] [--fi-vocabulary URI]\n"
     "       qmxml info IN\n"
-    "IN and OUT may be - for standard input and output. Input may be gzip- or zlib-compressed.\n";
+    "IN and OUT may be - for standard input and output. Input may be XML text or Fast Infoset,\n"
+    "plain or gzip- or zlib-compressed; it is detected.\n";
 
 struct UsageError {
     std::string text;
@@ -52,20 +56,32 @@ CBinaryData AsData(std::string& text) {
     return CBinaryData(reinterpret_cast<unsigned char*>(&text[0]), static_cast<std::uint32_t>(text.size()), false);
 }
 
-const char* Kind(const std::string& bytes) {
+bool IsFastInfoset(const std::string& bytes) {
+    // The identification octets, either first or after an XML declaration text.
+    static const std::string kMagic("\xE0\x00\x00\x01", 4);
+    if (bytes.compare(0, 4, kMagic) == 0) return true;
+    if (bytes.compare(0, 5, "<?xml") != 0) return false;
+    const auto end = bytes.find("?>");
+    return end != std::string::npos && end < 256 && bytes.compare(end + 2, 4, kMagic) == 0;
+}
+
+std::string Kind(const std::string& bytes, const std::string& inflated) {
     const auto b0 = bytes.size() > 0 ? static_cast<unsigned char>(bytes[0]) : 0;
     const auto b1 = bytes.size() > 1 ? static_cast<unsigned char>(bytes[1]) : 0;
-    if (b0 == 0x1F && b1 == 0x8B) return "gzip-compressed XML text";
-    if ((b0 & 0x0F) == 8 && ((b0 << 8) | b1) % 31 == 0) return "zlib-compressed XML text";
-    return "XML text";
+    const std::string content = IsFastInfoset(inflated) ? "Fast Infoset" : "XML text";
+    if (b0 == 0x1F && b1 == 0x8B) return "gzip-compressed " + content;
+    if ((b0 & 0x0F) == 8 && ((b0 << 8) | b1) % 31 == 0 && !IsFastInfoset(bytes)) return "zlib-compressed " + content;
+    return content;
 }
 
 int Convert(const std::vector<std::string>& args) {
     if (args.size() < 2) throw UsageError{"convert needs IN and OUT"};
     XmlEncoding encoding = XmlEncoding_UTF8;
     EOLType eol = EOLType_LF;
-    bool indent = true, declaration = true;
+    bool indent = true, declaration = true, toFastInfoset = false;
     CompressionType compression = CompressionType_None;
+    FInfoDecl fiDeclaration = FInfoDecl_None;
+    CXmlSerializationContext ctx;
     for (size_t i = 2; i < args.size(); ++i) {
         const std::string& a = args[i];
         auto value = [&]() -> const std::string& {
@@ -88,6 +104,20 @@ int Convert(const std::vector<std::string>& args) {
             indent = false;
         } else if (a == "--no-declaration") {
             declaration = false;
+        } else if (a == "--to") {
+            const std::string& v = value();
+            if (v == "xml") toFastInfoset = false;
+            else if (v == "fi") toFastInfoset = true;
+            else throw UsageError{"unknown output format " + v};
+        } else if (a == "--fi-declaration") {
+            const std::string& v = value();
+            if (v.size() != 1 || v[0] < '0' || v[0] > '9') throw UsageError{"the declaration is a number from 0 to 9"};
+            fiDeclaration = static_cast<FInfoDecl>(v[0] - '0');
+        } else if (a == "--fi-typed") {
+            ctx.GetFIContext().SetSuggestedValues();
+        } else if (a == "--fi-vocabulary") {
+            ctx.GetFIContext().SetExternalVocabularyURI(value());
+            ctx.GetFIContext().SetUseGeneratedVocabulary(true);
         } else if (a == "--compress") {
             const std::string& v = value();
             if (v == "none") compression = CompressionType_None;
@@ -101,9 +131,27 @@ int Convert(const std::vector<std::string>& args) {
     std::string input = ReadInput(args[0]);
     CSmartPtr<CElement> document = new CElement();
     document->FromXmlStream(AsData(input));
-    WriteOutput(args[1], document->ToXmlStream(declaration, indent, encoding, eol,
-                                               CXmlSerializationContext::m_defaultContext, compression));
+    WriteOutput(args[1], toFastInfoset ? document->ToFastInfosetStream(fiDeclaration, ctx, compression)
+                                       : document->ToXmlStream(declaration, indent, encoding, eol, ctx, compression));
     return 0;
+}
+
+// The input as the loader sees it after inflation, for telling formats apart.
+std::string Inflated(const std::string& input) {
+    const auto b0 = input.size() > 0 ? static_cast<unsigned char>(input[0]) : 0;
+    if (b0 != 0x1F && (b0 & 0x0F) != 8) return input;
+    // The first octets tell the format: inflate a small prefix only.
+    std::string out(4096, '\0');
+    z_stream z{};
+    if (inflateInit2(&z, 15 + 32) != Z_OK) return input;
+    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(input.data()));
+    z.avail_in = static_cast<uInt>(input.size());
+    z.next_out = reinterpret_cast<Bytef*>(&out[0]);
+    z.avail_out = static_cast<uInt>(out.size());
+    const int rc = inflate(&z, Z_SYNC_FLUSH);
+    out.resize(z.total_out);
+    inflateEnd(&z);
+    return rc == Z_OK || rc == Z_STREAM_END ? out : input;
 }
 
 int Info(const std::vector<std::string>& args) {
@@ -132,7 +180,7 @@ int Info(const std::vector<std::string>& args) {
             stack.push_back({c, item.depth + 1});
         }
     }
-    std::cout << "format:     " << Kind(input) << "\n"
+    std::cout << "format:     " << Kind(input, Inflated(input)) << "\n"
               << "bytes:      " << input.size() << "\n"
               << "root:       {" << document.GetDocumentElement()->GetNamespaceURI() << "}"
               << document.GetDocumentElement()->GetLocalName() << "\n"
