@@ -1,0 +1,98 @@
+// Fast Infoset against XML text on the same order book, in the same run:
+// sizes, loading, writing, and binding the order classes.
+//
+// usage: fastinfoset_bench [MB]   (default 50; the order book is generated first)
+// Times are the best of five interleaved runs.
+#include <qmxml/qmxml.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+
+#include <unistd.h>
+
+#include "orders.h"
+
+using namespace QmXmlLib10;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+std::string MakeOrderBook(double megabytes) {
+    const long orders = std::max(1L, static_cast<long>(megabytes * 1e6 / 1120));
+    const std::string path = "/tmp/qmxml_fi_bench_" + std::to_string(getpid()) + ".xml";
+    const std::string command =
+        std::string("python3 ") + QMXML_BENCH_DIR + "/gen_orders.py " + std::to_string(orders) + " " + path;
+    if (std::system(command.c_str()) != 0) {
+        std::fprintf(stderr, "failed: %s\n", command.c_str());
+        std::exit(1);
+    }
+    std::ifstream in(path, std::ios::binary);
+    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::remove(path.c_str());
+    return text;
+}
+
+double Best(const std::function<void()>& run, double& best) {
+    const auto start = Clock::now();
+    run();
+    best = std::min(best, std::chrono::duration<double>(Clock::now() - start).count());
+    return best;
+}
+
+CBinaryData Gzip(const CBinaryData& data) {
+    return CBinaryData::Compress(data.GetData(), data.GetLength(), CompressionType_GZip);
+}
+
+void Load(const CBinaryData& data) {
+    CXmlDocument document;
+    document.LoadXmlStream(const_cast<unsigned char*>(data.GetData()), data.GetLength());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const double megabytes = argc > 1 ? std::atof(argv[1]) : 50.0;
+    std::string input = MakeOrderBook(megabytes);
+    CSmartPtr<CElement> tree = new CElement();
+    tree->FromXmlStream(reinterpret_cast<unsigned char*>(&input[0]), static_cast<std::uint32_t>(input.size()));
+
+    const CBinaryData text = tree->ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF);
+    const CBinaryData fi = tree->ToFastInfosetStream(FInfoDecl_None);
+    // Typed encodings need the item types that only bound classes know.
+    orders::COrders bound;
+    bound.FromXmlStream(text);
+    CXmlSerializationContext typedContext;
+    typedContext.GetFIContext().SetSuggestedValues();
+    const CBinaryData fiTyped = bound.ToFastInfosetStream(FInfoDecl_None, typedContext);
+    const double textSize = text.GetLength();
+    std::printf("document (unindented XML text): %.1f MB\n", textSize / 1e6);
+    std::printf("Fast Infoset:                   %.3f of the text\n", fi.GetLength() / textSize);
+    std::printf("Fast Infoset, typed values:     %.3f of the text (written from the bound classes)\n",
+                fiTyped.GetLength() / textSize);
+    std::printf("gzip: text %.3f, Fast Infoset %.3f, typed %.3f of the text\n", Gzip(text).GetLength() / textSize,
+                Gzip(fi).GetLength() / textSize, Gzip(fiTyped).GetLength() / textSize);
+
+    double loadText = 1e9, loadFi = 1e9, writeText = 1e9, writeFi = 1e9, bindText = 1e9, bindFi = 1e9;
+    for (int run = 0; run < 5; ++run) {
+        Best([&] { Load(text); }, loadText);
+        Best([&] { Load(fi); }, loadFi);
+        Best([&] { tree->ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF); }, writeText);
+        Best([&] { tree->ToFastInfosetStream(FInfoDecl_None); }, writeFi);
+        Best([&] { orders::COrders book; book.FromXmlStream(text); }, bindText);
+        Best([&] { orders::COrders book; book.FromXmlStream(fi); }, bindFi);
+    }
+    const double mb = textSize / 1e6;
+    std::printf("load:  text %.1f MB/s, Fast Infoset %.1f MB/s (of text), FI/text speed %.2f\n", mb / loadText,
+                mb / loadFi, loadText / loadFi);
+    std::printf("write: text %.1f MB/s, Fast Infoset %.1f MB/s (of text), FI/text speed %.2f\n", mb / writeText,
+                mb / writeFi, writeText / writeFi);
+    std::printf("bind order classes: from text %.1f MB/s, from Fast Infoset %.1f MB/s, FI/text speed %.2f\n",
+                mb / bindText, mb / bindFi, bindText / bindFi);
+    return 0;
+}
