@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 #include <typeinfo>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "qmxml/metadata/element_info.h"
 #include "qmxml/metadata/parent_element_info.h"
 #include "qmxml/writer/xml_writer.h"
+#include "metadata/value_text.h"
 
 namespace QmXmlLib10 {
 
@@ -195,9 +197,10 @@ void CXmlGeneratedClass::WriteSimpleContent(CXmlWriter* writer) const {
     QmVariant value;
     ReadProperty(info->GetPrimitiveValuePropertyIndex(), value);
     if (!value.IsValid() || value.IsNil()) return;
-    const std::string& format = info->GetPrimitiveFormatOverride();
-    const std::string text = value.ToString(format.empty() ? nullptr : format.c_str());
-    writer->WriteText(text.c_str(), info->GetPrimitiveDataType());
+    std::string scratch;
+    const std::string_view text =
+        QmXmlLib10Data::detail::ValueText(value, info->GetPrimitiveFormatOverride(), scratch);
+    writer->WriteText(text.data(), info->GetPrimitiveDataType());
 }
 
 void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const {

@@ -1,9 +1,12 @@
 #include "qmxml/metadata/attribute_info.h"
 
+#include <string_view>
+
 #include "qmxml/collections/wildcards.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/dom/xml_element.h"
 #include "qmxml/writer/xml_writer.h"
+#include "value_text.h"
 #include "variant_objects.h"
 
 namespace QmXmlLib10Data {
@@ -31,6 +34,12 @@ protected:
 const CNamespaceTester& Tester() {
     static const CNamespaceTester tester;
     return tester;
+}
+
+// SkipOnOutput without making a string of the text.
+bool SkipsDefault(const CAttributeInfo& info, const CXmlSerializationContext& ctx, std::string_view text) {
+    return info.IsOptional() && !info.GetDefaultValue().empty() && ctx.GetNoOptionalAttributeDefaultOutput() &&
+           info.GetDefaultValue() == text;
 }
 
 CSmartPtr<CAttributeCol> AttributeColOf(const QmVariant& value) {
@@ -112,10 +121,11 @@ void CAttributeInfoPrimitive::AttributeToXml(const CXmlSerializationContext& ctx
     QmVariant value;
     ReadProperty(obj, value);
     if (IsOptional() && !value.IsValid()) return;
-    const std::string text = value.ToString(m_format.empty() ? nullptr : m_format.c_str());
-    if (SkipOnOutput(ctx, text)) return;
+    std::string scratch;
+    const std::string_view text = detail::ValueText(value, m_format, scratch);
+    if (SkipsDefault(*this, ctx, text)) return;
     CheckRestriction(value);
-    writer->WriteAttribute(GetAttributeName().c_str(), GetAttributeNamespace().c_str(), text.c_str(), m_type);
+    writer->WriteAttribute(GetAttributeName().c_str(), GetAttributeNamespace().c_str(), text.data(), m_type);
 }
 
 bool CAttributeInfoPrimitive::AttributeFromXml(const CXmlSerializationContext&, CXmlGeneratedClass* obj,
@@ -148,9 +158,9 @@ void CAttributeInfoEnum::AttributeToXml(const CXmlSerializationContext& ctx, con
     ReadProperty(obj, value);
     if (IsOptional() && !value.IsValid()) return;
     const char* converted = m_toString && value.IsValid() && !value.IsNil() ? m_toString(value.GetI4()) : nullptr;
-    const std::string text = converted ? converted : "";
-    if (SkipOnOutput(ctx, text)) return;
-    writer->WriteAttribute(GetAttributeName().c_str(), GetAttributeNamespace().c_str(), text.c_str());
+    const char* text = converted ? converted : "";
+    if (SkipsDefault(*this, ctx, text)) return;
+    writer->WriteAttribute(GetAttributeName().c_str(), GetAttributeNamespace().c_str(), text);
 }
 
 bool CAttributeInfoEnum::AttributeFromXml(const CXmlSerializationContext& ctx, CXmlGeneratedClass* obj,

@@ -5,6 +5,7 @@
 #include "qmxml/dom/xml_element.h"
 #include "qmxml/metadata/parent_element_info.h"
 #include "qmxml/writer/xml_writer.h"
+#include "value_text.h"
 #include "variant_objects.h"
 
 namespace QmXmlLib10Data {
@@ -105,9 +106,10 @@ bool CElementInfo::ElementToXmlPrim(const CXmlSerializationContext&, const CXmlG
         return true;
     }
     CPrimitiveRestrictions::CheckRestriction(m_elementName, value, type, facets);
-    const std::string text = value.ToString(format.empty() ? nullptr : format.c_str());
+    std::string scratch;
+    const std::string_view text = detail::ValueText(value, format, scratch);
     writer->StartElement(m_elementName.c_str(), m_elementNamespace.c_str());
-    writer->WriteText(text.c_str(), type);
+    writer->WriteText(text.data(), type);
     writer->EndElement();
     return true;
 }

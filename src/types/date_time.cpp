@@ -944,15 +944,22 @@ CDateTime::DTCompareResult CDateTime::CompareTo(const CDateTime& other) const {
 }
 
 std::string CDateTime::ToString() const {
-    if (m_type == dt_none) {
-        return "Date Not Set";
-    }
-    if (!IsKnownType(m_type)) {
-        return FormatString("Unknown Format: %d", static_cast<int>(m_type));
-    }
-    using calendar::AppendPadded;
     std::string out;
     out.reserve(40);
+    AppendText(out);
+    return out;
+}
+
+void CDateTime::AppendText(std::string& out) const {
+    if (m_type == dt_none) {
+        out += "Date Not Set";
+        return;
+    }
+    if (!IsKnownType(m_type)) {
+        out += FormatString("Unknown Format: %d", static_cast<int>(m_type));
+        return;
+    }
+    using calendar::AppendPadded;
     const int fields = FieldsOf(m_type);
     if (fields & kYear) {
         if (m_year < 0) {
@@ -999,7 +1006,6 @@ std::string CDateTime::ToString() const {
             AppendPadded(out, m_zoneMinute, 2);
         }
     }
-    return out;
 }
 
 void CDateTime::AddDuration(const CDateTimeSpan& duration) {

@@ -200,16 +200,38 @@ int CDecimal::Normalize(CDecimal& a, CDecimal& b) {
 // --- Text -------------------------------------------------------------------------------
 
 std::string CDecimal::ToString() const {
-    if (m_fraction.IsZero()) {
-        return m_integer.ToString();
-    }
-    std::string text = GetNegative() ? "-" : "";
-    text += m_integer.GetAbs().ToString();
-    text.push_back('.');
-    const std::string fraction = m_fraction.GetAbs().ToString();
-    text.append(static_cast<std::size_t>(m_scale) - std::min(fraction.size(), static_cast<std::size_t>(m_scale)), '0');
-    text += fraction;
+    std::string text;
+    AppendText(text);
     return text;
+}
+
+void CDecimal::AppendText(std::string& out) const {
+    // Digits are stored least significant first; none stands for zero.
+    const auto appendMagnitude = [&out](const CBigInteger::Digits& digits) {
+        if (digits.empty()) {
+            out.push_back('0');
+            return;
+        }
+        for (std::size_t i = digits.size(); i-- > 0;) {
+            out.push_back(static_cast<char>('0' + digits[i]));
+        }
+    };
+    if (m_fraction.IsZero()) {
+        if (m_integer.GetNegative()) {
+            out.push_back('-');
+        }
+        appendMagnitude(m_integer.GetDigits());
+        return;
+    }
+    if (GetNegative()) {
+        out.push_back('-');
+    }
+    appendMagnitude(m_integer.GetDigits());
+    out.push_back('.');
+    const std::size_t fractionDigits = m_fraction.GetDigits().size();
+    const auto scale = static_cast<std::size_t>(m_scale);
+    out.append(scale - std::min(fractionDigits, scale), '0');
+    appendMagnitude(m_fraction.GetDigits());
 }
 
 std::string CDecimal::ToString(int decimalPlaces) const {

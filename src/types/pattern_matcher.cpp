@@ -19,6 +19,21 @@ namespace patterns {
 
 namespace {
 
+struct CodeDeleter {
+    void operator()(pcre2_code* code) const { pcre2_code_free(code); }
+};
+using CodePtr = std::unique_ptr<pcre2_code, CodeDeleter>;
+
+}  // namespace
+
+// A compiled pattern, or the reason it did not compile.
+struct Compiled {
+    CodePtr code;
+    std::string error;
+};
+
+namespace {
+
 // Bounds on one match, so that catastrophic backtracking ends in an exception
 // instead of hanging the caller or exhausting memory.
 constexpr std::uint32_t kMatchLimit = 10000000;  // backtracking steps
@@ -166,12 +181,7 @@ std::size_t TranslateBlock(const std::string& text, std::size_t pos, std::string
     return close + 1 - pos;
 }
 
-// PCRE2 objects owned by RAII holders.
-struct CodeDeleter {
-    void operator()(pcre2_code* code) const { pcre2_code_free(code); }
-};
-using CodePtr = std::unique_ptr<pcre2_code, CodeDeleter>;
-
+// PCRE2 objects owned by RAII holders (CodePtr above).
 struct MatchDataDeleter {
     void operator()(pcre2_match_data* data) const { pcre2_match_data_free(data); }
 };
@@ -219,12 +229,6 @@ std::string ErrorText(int code) {
     if (pcre2_get_error_message(code, buffer, sizeof buffer) < 0) return FormatString("PCRE2 error %d", code);
     return reinterpret_cast<const char*>(buffer);
 }
-
-// A compiled pattern, or the reason it did not compile.
-struct Compiled {
-    CodePtr code;
-    std::string error;
-};
 
 Compiled Compile(const std::string& utf8Pattern) {
     const std::string source = Translate(utf8Pattern);
@@ -328,11 +332,11 @@ std::string Translate(const std::string& pattern) {
     return out;
 }
 
-bool Match(const std::string& value, const std::string& xsdPattern) {
-    std::string patternScratch;
+namespace {
+
+bool MatchCompiled(const Compiled& compiled, const std::string& value, const std::string& xsdPattern) {
+    if (!compiled.code) ThrowInvalidPattern(xsdPattern, compiled.error);
     std::string valueScratch;
-    const std::shared_ptr<const Compiled> compiled = Lookup(AsUtf8(xsdPattern, patternScratch));
-    if (!compiled->code) ThrowInvalidPattern(xsdPattern, compiled->error);
     const std::string& utf8Value = AsUtf8(value, valueScratch);
 
     thread_local MatchDataPtr data = NewMatchData();
@@ -345,7 +349,22 @@ bool Match(const std::string& value, const std::string& xsdPattern) {
     };
     if (!data) data = NewMatchData();
     ReleaseLargeFrames guard{data, utf8Value.size() > kKeepFramesUpTo};
-    return Run(compiled->code.get(), data.get(), utf8Value, xsdPattern);
+    return Run(compiled.code.get(), data.get(), utf8Value, xsdPattern);
+}
+
+}  // namespace
+
+bool Match(const std::string& value, const std::string& xsdPattern) {
+    std::string patternScratch;
+    const std::shared_ptr<const Compiled> compiled = Lookup(AsUtf8(xsdPattern, patternScratch));
+    return MatchCompiled(*compiled, value, xsdPattern);
+}
+
+std::shared_ptr<const Compiled> LookupUtf8(const std::string& utf8Pattern) { return Lookup(utf8Pattern); }
+
+bool MatchPrepared(const Compiled& compiled, const std::string& value, const std::string& xsdPattern) {
+    if (!platform::LocalIsUtf8()) return Match(value, xsdPattern);
+    return MatchCompiled(compiled, value, xsdPattern);
 }
 
 bool MatchUncached(const std::string& value, const std::string& xsdPattern) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 
 namespace QmXmlLib10 {
@@ -17,6 +18,17 @@ std::string Translate(const std::string& utf8Pattern);
 // measuring the cache).
 bool Match(const std::string& value, const std::string& xsdPattern);
 bool MatchUncached(const std::string& value, const std::string& xsdPattern);
+
+// A cache entry: a pattern compiled from UTF-8 text, or why it did not compile.
+struct Compiled;
+
+// The entry for a pattern taken as UTF-8 text. Holding it lets a caller that
+// matches the same pattern often skip the cache lookup.
+std::shared_ptr<const Compiled> LookupUtf8(const std::string& utf8Pattern);
+// Match with the entry LookupUtf8 gave for xsdPattern's own text: the same
+// result and errors as Match(value, xsdPattern) while the local encoding is
+// UTF-8 (otherwise it is Match).
+bool MatchPrepared(const Compiled& compiled, const std::string& value, const std::string& xsdPattern);
 
 // Number of patterns (and compile failures) the cache holds.
 std::size_t CachedCount();

@@ -1,5 +1,10 @@
 #include <qmxml/types/restrictions.h>
 
+#include <array>
+#include <mutex>
+#include <optional>
+#include <type_traits>
+
 #include <qmxml/core/exception.h>
 #include <qmxml/types/big_integer.h>
 #include <qmxml/types/binary_data.h>
@@ -9,6 +14,7 @@
 #include <qmxml/types/decimal.h>
 #include <qmxml/types/variant.h>
 
+#include "platform/charset.h"
 #include "types/pattern_matcher.h"
 
 namespace QmXmlLib10 {
@@ -40,37 +46,47 @@ Order FromCompareResult(CDateTime::DTCompareResult result) {
 
 // Each set bound is parsed when its turn comes, so a bad bound text is
 // reported only once the bounds before it have passed.
+// The bounds in checking order; BoundsHold's parse gets the index too.
+enum BoundIndex { kMinInclusive, kMaxInclusive, kMinExclusive, kMaxExclusive, kBoundCount };
+
 template <class Parse, class Compare>
 bool BoundsHold(const CPrimitiveRestrictions& facets, Parse parse, Compare compare) {
     if (!facets.GetMinInclusive().empty()) {
-        const Order o = compare(parse(facets.GetMinInclusive()));
+        const Order o = compare(parse(kMinInclusive, facets.GetMinInclusive()));
         if (o != Order::Greater && o != Order::Equal) return false;
     }
     if (!facets.GetMaxInclusive().empty()) {
-        const Order o = compare(parse(facets.GetMaxInclusive()));
+        const Order o = compare(parse(kMaxInclusive, facets.GetMaxInclusive()));
         if (o != Order::Less && o != Order::Equal) return false;
     }
     if (!facets.GetMinExclusive().empty()) {
-        if (compare(parse(facets.GetMinExclusive())) != Order::Greater) return false;
+        if (compare(parse(kMinExclusive, facets.GetMinExclusive())) != Order::Greater) return false;
     }
     if (!facets.GetMaxExclusive().empty()) {
-        if (compare(parse(facets.GetMaxExclusive())) != Order::Less) return false;
+        if (compare(parse(kMaxExclusive, facets.GetMaxExclusive())) != Order::Less) return false;
     }
     return true;
 }
 
-// Bounds of a type compared with its native operators.
-template <class T, class Parse>
-bool NativeBoundsHold(const CPrimitiveRestrictions& facets, const T& value, Parse parse) {
+// Bounds of a type compared with its native operators. Bounds parsed before
+// (`parsed`, indexed by BoundIndex) are taken from there; the others are
+// parsed here, so a bad text throws exactly when its turn comes.
+template <class T, class Parse, class Stored = T>
+bool NativeBoundsHold(const CPrimitiveRestrictions& facets, const T& value, Parse parse,
+                      const std::optional<Stored>* parsed = nullptr) {
     return BoundsHold(
-        facets, [&](const std::string& text) { return static_cast<T>(parse(text, kCollapse)); },
+        facets,
+        [&](int index, const std::string& text) {
+            if (parsed && parsed[index]) return static_cast<T>(*parsed[index]);
+            return static_cast<T>(parse(text, kCollapse));
+        },
         [&](const T& bound) { return CompareNative(value, bound); });
 }
 
 template <class Parse>
 bool DateBoundsHold(const CPrimitiveRestrictions& facets, const CDateTime& value, Parse parse) {
     return BoundsHold(
-        facets, [&](const std::string& text) { return parse(text, kCollapse); },
+        facets, [&](int, const std::string& text) { return parse(text, kCollapse); },
         [&](const CDateTime& bound) { return FromCompareResult(value.CompareTo(bound)); });
 }
 
@@ -106,13 +122,16 @@ void CheckDateValue(const std::string& memberName, const CDateTime& value, const
     if (!DateBoundsHold(facets, value, parse)) FailText(memberName, value.ToString());
 }
 
+}  // namespace
+
 // Lengths, then the pattern, on a lexical form.
-void CheckLexical(const std::string& memberName, const std::string& value, const CPrimitiveRestrictions& facets) {
+void CPrimitiveRestrictions::CheckLexical(const std::string& memberName, const std::string& value,
+                                          const CPrimitiveRestrictions& facets) {
     if (!LengthsHold(facets, value.size())) FailText(memberName, value);
     if (facets.GetPattern().empty() || value.empty()) return;
     bool matched = false;
     try {
-        matched = CPrimitiveRestrictions::MatchesPattern(value, facets.GetPattern());
+        matched = facets.MatchesOwnPattern(value);
     } catch (const CQmException& e) {
         Fail(FormatString("%s\nInvalid Value for %s [%s]", e.GetMessage().c_str(), memberName.c_str(),
                           value.c_str()));
@@ -120,11 +139,19 @@ void CheckLexical(const std::string& memberName, const std::string& value, const
     if (!matched) FailText(memberName, value);
 }
 
+namespace {
+
 void CheckBinary(const std::string& memberName, const CBinaryData& value, const CPrimitiveRestrictions& facets) {
     if (!LengthsHold(facets, value.GetLength())) FailText(memberName, C::hexBinaryToString(value));
 }
 
 std::string OrEmpty(const char* text) { return text ? text : ""; }
+
+bool IsUnrestricted(const CPrimitiveRestrictions& facets) {
+    return facets.GetPattern().empty() && facets.GetMinLength() < 0 && facets.GetMaxLength() < 0 &&
+           facets.GetLength() < 0 && facets.GetMinInclusive().empty() && facets.GetMaxInclusive().empty() &&
+           facets.GetMinExclusive().empty() && facets.GetMaxExclusive().empty();
+}
 
 }  // namespace
 
@@ -138,9 +165,60 @@ CPrimitiveRestrictions::CPrimitiveRestrictions(const char* pattern, int minLengt
       m_maxInclusive(OrEmpty(maxInclusive)),
       m_minExclusive(OrEmpty(minExclusive)),
       m_maxExclusive(OrEmpty(maxExclusive)),
-      m_length(length) {}
+      m_length(length),
+      m_prepared(std::make_shared<CPrepared>()) {}
 
 CPrimitiveRestrictions::~CPrimitiveRestrictions() = default;
+
+// Filled at most once each, by the first check that needs it.
+struct CPrimitiveRestrictions::CPrepared {
+    std::once_flag patternOnce;
+    std::shared_ptr<const patterns::Compiled> pattern;
+    // The bounds as the first integer check parsed them, for its item type
+    // only; a bound that did not parse stays empty.
+    std::once_flag boundsOnce;
+    ItemType boundsType = ItemType_None;
+    std::array<std::optional<std::int64_t>, kBoundCount> signedBounds;
+    std::array<std::optional<std::uint64_t>, kBoundCount> unsignedBounds;
+};
+
+void CPrimitiveRestrictions::Changed() { m_prepared = std::make_shared<CPrepared>(); }
+
+bool CPrimitiveRestrictions::MatchesOwnPattern(const std::string& value) const {
+    // The compiled pattern is kept for UTF-8 local text only.
+    if (!m_prepared || !platform::LocalIsUtf8()) return MatchesPattern(value, m_pattern);
+    std::call_once(m_prepared->patternOnce, [this] { m_prepared->pattern = patterns::LookupUtf8(m_pattern); });
+    return patterns::MatchPrepared(*m_prepared->pattern, value, m_pattern);
+}
+
+template <class T, class Parse>
+const std::optional<T>* CPrimitiveRestrictions::PreparedBounds(ItemType type, Parse parse) const {
+    if (!m_prepared) return nullptr;
+    CPrepared& prepared = *m_prepared;
+    std::call_once(prepared.boundsOnce, [&] {
+        const std::string* texts[kBoundCount] = {&m_minInclusive, &m_maxInclusive, &m_minExclusive, &m_maxExclusive};
+        for (int i = 0; i < kBoundCount; ++i) {
+            if (texts[i]->empty()) continue;
+            try {
+                const auto bound = parse(*texts[i], kCollapse);
+                if constexpr (std::is_signed_v<T>) {
+                    prepared.signedBounds[i] = bound;
+                } else {
+                    prepared.unsignedBounds[i] = bound;
+                }
+            } catch (const CQmException&) {
+                // Parsed again, and reported, when the check reaches it.
+            }
+        }
+        prepared.boundsType = type;
+    });
+    if (prepared.boundsType != type) return nullptr;
+    if constexpr (std::is_signed_v<T>) {
+        return prepared.signedBounds.data();
+    } else {
+        return prepared.unsignedBounds.data();
+    }
+}
 
 bool CPrimitiveRestrictions::MatchesPattern(const std::string& value, const std::string& xsdPattern) {
     return patterns::Match(value, xsdPattern);
@@ -159,42 +237,50 @@ void CPrimitiveRestrictions::CheckBase64Binary(const std::string& memberName, co
 void CPrimitiveRestrictions::CheckI1(const std::string& memberName, char value, const CPrimitiveRestrictions& facets) {
     // i1 is signed whatever the platform's char is.
     const auto v = static_cast<signed char>(value);
-    if (!NativeBoundsHold(facets, v, C::i1FromString)) FailSigned(memberName, v);
+    const auto* parsed = facets.PreparedBounds<std::int64_t>(ItemType_i1, C::i1FromString);
+    if (!NativeBoundsHold(facets, v, C::i1FromString, parsed)) FailSigned(memberName, v);
 }
 
 void CPrimitiveRestrictions::CheckI2(const std::string& memberName, short value,
                                      const CPrimitiveRestrictions& facets) {
-    if (!NativeBoundsHold(facets, value, C::i2FromString)) FailSigned(memberName, value);
+    const auto* parsed = facets.PreparedBounds<std::int64_t>(ItemType_i2, C::i2FromString);
+    if (!NativeBoundsHold(facets, value, C::i2FromString, parsed)) FailSigned(memberName, value);
 }
 
 void CPrimitiveRestrictions::CheckI4(const std::string& memberName, std::int32_t value,
                                      const CPrimitiveRestrictions& facets) {
-    if (!NativeBoundsHold(facets, value, C::i4FromString)) FailSigned(memberName, value);
+    const auto* parsed = facets.PreparedBounds<std::int64_t>(ItemType_i4, C::i4FromString);
+    if (!NativeBoundsHold(facets, value, C::i4FromString, parsed)) FailSigned(memberName, value);
 }
 
 void CPrimitiveRestrictions::CheckI8(const std::string& memberName, std::int64_t value,
                                      const CPrimitiveRestrictions& facets) {
-    if (!NativeBoundsHold(facets, value, C::i8FromString)) FailText(memberName, C::i8ToString(value));
+    const auto* parsed = facets.PreparedBounds<std::int64_t>(ItemType_i8, C::i8FromString);
+    if (!NativeBoundsHold(facets, value, C::i8FromString, parsed)) FailText(memberName, C::i8ToString(value));
 }
 
 void CPrimitiveRestrictions::CheckUI1(const std::string& memberName, unsigned char value,
                                       const CPrimitiveRestrictions& facets) {
-    if (!NativeBoundsHold(facets, value, C::ui1FromString)) FailUnsigned(memberName, value);
+    const auto* parsed = facets.PreparedBounds<std::uint64_t>(ItemType_ui1, C::ui1FromString);
+    if (!NativeBoundsHold(facets, value, C::ui1FromString, parsed)) FailUnsigned(memberName, value);
 }
 
 void CPrimitiveRestrictions::CheckUI2(const std::string& memberName, unsigned short value,
                                       const CPrimitiveRestrictions& facets) {
-    if (!NativeBoundsHold(facets, value, C::ui2FromString)) FailUnsigned(memberName, value);
+    const auto* parsed = facets.PreparedBounds<std::uint64_t>(ItemType_ui2, C::ui2FromString);
+    if (!NativeBoundsHold(facets, value, C::ui2FromString, parsed)) FailUnsigned(memberName, value);
 }
 
 void CPrimitiveRestrictions::CheckUI4(const std::string& memberName, std::uint32_t value,
                                       const CPrimitiveRestrictions& facets) {
-    if (!NativeBoundsHold(facets, value, C::ui4FromString)) FailUnsigned(memberName, value);
+    const auto* parsed = facets.PreparedBounds<std::uint64_t>(ItemType_ui4, C::ui4FromString);
+    if (!NativeBoundsHold(facets, value, C::ui4FromString, parsed)) FailUnsigned(memberName, value);
 }
 
 void CPrimitiveRestrictions::CheckUI8(const std::string& memberName, std::uint64_t value,
                                       const CPrimitiveRestrictions& facets) {
-    if (!NativeBoundsHold(facets, value, C::ui8FromString)) FailText(memberName, C::ui8ToString(value));
+    const auto* parsed = facets.PreparedBounds<std::uint64_t>(ItemType_ui8, C::ui8FromString);
+    if (!NativeBoundsHold(facets, value, C::ui8FromString, parsed)) FailText(memberName, C::ui8ToString(value));
 }
 
 void CPrimitiveRestrictions::CheckR4(const std::string& memberName, float value,
@@ -210,7 +296,7 @@ void CPrimitiveRestrictions::CheckR8(const std::string& memberName, double value
 void CPrimitiveRestrictions::CheckDuration(const std::string& memberName, const CDateTimeSpan& value,
                                            const CPrimitiveRestrictions& facets) {
     const bool hold = BoundsHold(
-        facets, [](const std::string& text) { return C::durationFromString(text, kCollapse); },
+        facets, [](int, const std::string& text) { return C::durationFromString(text, kCollapse); },
         [&](const CDateTimeSpan& bound) { return FromCompareResult(value.CompareTo(bound)); });
     if (!hold) FailText(memberName, value.ToString());
 }
@@ -230,7 +316,7 @@ void CPrimitiveRestrictions::CheckYear(const std::string& memberName, unsigned s
     // The 16-bit pattern stands for a signed year: -0001 must stay below 1900.
     const auto year = static_cast<short>(value);
     const bool hold = BoundsHold(
-        facets, [](const std::string& text) { return static_cast<short>(C::yearFromString(text, kCollapse)); },
+        facets, [](int, const std::string& text) { return static_cast<short>(C::yearFromString(text, kCollapse)); },
         [&](short bound) { return CompareNative(year, bound); });
     if (!hold) Fail(FormatString("Invalid Value for %s [%d]", memberName.c_str(), static_cast<int>(value)));
 }
@@ -278,7 +364,7 @@ void CPrimitiveRestrictions::CheckBoolean(const std::string& memberName, bool va
 void CPrimitiveRestrictions::CheckDecimal(const std::string& memberName, const CDecimal& value,
                                           const CPrimitiveRestrictions& facets) {
     const bool hold = BoundsHold(
-        facets, [](const std::string& text) { return C::decimalFromString(text, kCollapse); },
+        facets, [](int, const std::string& text) { return C::decimalFromString(text, kCollapse); },
         [&](const CDecimal& bound) { return CompareNative(value, bound); });
     if (!hold) FailText(memberName, value.ToString());
 }
@@ -286,7 +372,7 @@ void CPrimitiveRestrictions::CheckDecimal(const std::string& memberName, const C
 void CPrimitiveRestrictions::CheckInteger(const std::string& memberName, const CBigInteger& value,
                                           const CPrimitiveRestrictions& facets) {
     const bool hold = BoundsHold(
-        facets, [](const std::string& text) { return C::integerFromString(text, kCollapse); },
+        facets, [](int, const std::string& text) { return C::integerFromString(text, kCollapse); },
         [&](const CBigInteger& bound) { return CompareNative(value, bound); });
     if (!hold) FailText(memberName, value.ToString());
 }
@@ -294,6 +380,11 @@ void CPrimitiveRestrictions::CheckInteger(const std::string& memberName, const C
 void CPrimitiveRestrictions::CheckRestriction(const std::string& memberName, const QmVariant& value, ItemType type,
                                               const CPrimitiveRestrictions& facets) {
     if (value.IsNil()) return;  // nil content has no value to restrict
+    // Without facets every check passes; only the getter's type test remains.
+    if (value.GetTypeAsEnum() == type && type >= ItemType_hexBinary && type <= ItemType_integer &&
+        IsUnrestricted(facets)) {
+        return;
+    }
     const std::string& n = memberName;
     switch (type) {
         case ItemType_hexBinary: return CheckHexBinary(n, value.GetHexBinary(), facets);

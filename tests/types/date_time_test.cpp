@@ -82,6 +82,21 @@ TEST(DateTimeTest, TypeNamesAndUnsetValue) {
     ExpectState([&] { none.GetYear(); }, "Failed to GetYear. Invalid Date Type: yearZero.");
 }
 
+TEST(DateTimeTest, AppendTextAppendsWhatToStringGives) {
+    std::string out = "<";
+    DT().AppendText(out);
+    EXPECT_EQ("<Date Not Set", out);
+    out = "<";
+    DT(static_cast<DT::DTType>(42)).AppendText(out);
+    EXPECT_EQ("<Unknown Format: 42", out);
+    for (const char* text : {"2024-02-29T23:59:59.125-05:30", "-0044-03-15T12:00:00Z", "2001-12-31T00:00:00Z"}) {
+        const DT value(text);
+        out = "<";
+        value.AppendText(out);
+        EXPECT_EQ("<" + value.ToString(), out) << text;
+    }
+}
+
 TEST(DateTimeTest, ParsesEveryDateShape) {
     DT d = Date("2001-10-26");
     EXPECT_EQ(DT::dt_date, d.GetType());

@@ -57,6 +57,17 @@ TEST(DecimalTest, ParsesAndPrintsRationalised) {
     EXPECT_EQ("0", Str(D()));
 }
 
+TEST(DecimalTest, AppendTextAppendsWhatToStringGives) {
+    for (const char* text : {"1.50", "-0.05", "007", "-0.000", "-123.000456", "0.00010", "-42", "99999999999999999999.5"}) {
+        std::string out = "x";
+        D(text).AppendText(out);
+        EXPECT_EQ("x" + Str(D(text)), out) << text;
+    }
+    std::string out;
+    D().AppendText(out);
+    EXPECT_EQ("0", out);
+}
+
 TEST(DecimalTest, ExponentMovesThePointBothWays) {
     EXPECT_EQ("150", Str(D("1.5E2")));
     EXPECT_EQ("150", Str(D("1.5e+2")));

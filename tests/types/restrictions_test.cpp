@@ -146,6 +146,63 @@ TEST(PrimitiveRestrictionsTest, BoundsAreParsedInOrderWithTheMemberType) {
                                           "Invalid XSD Date [2024-01] expected CCYY-MM-DD[Z|[+|-]hh:mm]");
 }
 
+TEST(PrimitiveRestrictionsTest, RepeatedChecksKeepTheirResultsAndFollowSetters) {
+    // Checks keep the parsed bounds and the compiled pattern between calls;
+    // every call must still give what a first call gives.
+    R facets = Bounds("1", "abc", "", "");
+    for (int round = 0; round < 3; ++round) {
+        ExpectFail("0", ItemType_i4, facets, "0");
+        ExpectThrow<CQmInvalidValueException>(
+            [&] { R::CheckRestriction("m", Parsed("5", ItemType_i4), ItemType_i4, facets); },
+            "The value [abc] can not be converted to a i4");
+    }
+    // Bounds kept for one item type are not used for another.
+    ExpectThrow<CQmInvalidValueException>([&] { R::CheckUI1("m", 5, facets); },
+                                          "The value [abc] can not be converted to a ui4");
+    const R copy = facets;
+    facets.SetMaxInclusive("10");
+    ExpectPass("5", ItemType_i4, facets);
+    ExpectFail("11", ItemType_i4, facets, "11");
+    facets.SetMinInclusive("");
+    ExpectPass("-3", ItemType_i4, facets);
+    // The copy made before keeps the facets it had.
+    ExpectFail("0", ItemType_i4, copy, "0");
+    ExpectThrow<CQmInvalidValueException>([&] { R::CheckI4("m", 5, copy); },
+                                          "The value [abc] can not be converted to a i4");
+
+    R unsignedFacets = Bounds("", "", "2", "");
+    for (int round = 0; round < 2; ++round) {
+        ExpectFail("2", ItemType_ui8, unsignedFacets, "2");
+        ExpectPass("18446744073709551615", ItemType_ui8, unsignedFacets);
+    }
+
+    R pattern = Lengths(-1, -1, -1, "\\d{2}");
+    for (int round = 0; round < 2; ++round) {
+        ExpectPass("12", ItemType_string, pattern);
+        ExpectFail("123", ItemType_string, pattern, "123");
+    }
+    pattern.SetPattern("[a-z]+");
+    ExpectPass("abc", ItemType_string, pattern);
+    ExpectFail("12", ItemType_string, pattern, "12");
+    pattern.SetMaxLength(2);
+    ExpectFail("abc", ItemType_string, pattern, "abc");
+}
+
+TEST(PrimitiveRestrictionsTest, KeptPatternFollowsTheLocalEncoding) {
+    const R latin("\\p{IsLatin-1Supplement}", -1, -1, "", "", "", "", -1);
+    ExpectPass("\xC3\xA9", ItemType_string, latin);  // e-acute in UTF-8
+    SetLocalCharEncoding(1252);
+    bool passed = false;
+    try {
+        R::CheckString("m", "\xE9", latin);  // e-acute in Windows-1252
+        passed = true;
+    } catch (...) {
+    }
+    SetLocalCharEncoding(65001);
+    EXPECT_TRUE(passed);
+    ExpectPass("\xC3\xA9", ItemType_string, latin);
+}
+
 TEST(PrimitiveRestrictionsTest, RealBounds) {
     for (ItemType t : {ItemType_r4, ItemType_r8}) {
         SCOPED_TRACE(static_cast<int>(t));

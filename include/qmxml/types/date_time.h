@@ -212,6 +212,8 @@ public:
     // prints "Z". dt_none gives "Date Not Set", an unknown type
     // "Unknown Format: %d".
     std::string ToString() const;
+    // Appends what ToString() gives.
+    void AppendText(std::string& out) const;
 
     // Adds a duration by the XML Schema 1.0 algorithm (datatypes, appendix E):
     // months carry into years, the day is pinned to the end of a shorter

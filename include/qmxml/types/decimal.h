@@ -43,6 +43,8 @@ public:
 
     // Every digit, no trailing zeros: "-0.05", "150", "0".
     std::string ToString() const;
+    // Appends what ToString() gives, without temporaries.
+    void AppendText(std::string& out) const;
     // Exactly decimalPlaces fraction digits (a negative count means 0, which
     // prints no point), rounding half away from zero on the first dropped
     // digit: 2.345 gives "2.35", 0.5 with 2 gives "0.50". A value that rounds

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include <qmxml/core/enums.h>
@@ -65,14 +67,38 @@ public:
     const std::string& GetMaxExclusive() const { return m_maxExclusive; }
     int GetLength() const { return m_length; }
 
-    void SetPattern(const std::string& pattern) { m_pattern = pattern; }
-    void SetMinLength(int minLength) { m_minLength = minLength; }
-    void SetMaxLength(int maxLength) { m_maxLength = maxLength; }
-    void SetMinInclusive(const std::string& bound) { m_minInclusive = bound; }
-    void SetMaxInclusive(const std::string& bound) { m_maxInclusive = bound; }
-    void SetMinExclusive(const std::string& bound) { m_minExclusive = bound; }
-    void SetMaxExclusive(const std::string& bound) { m_maxExclusive = bound; }
-    void SetLength(int length) { m_length = length; }
+    void SetPattern(const std::string& pattern) {
+        m_pattern = pattern;
+        Changed();
+    }
+    void SetMinLength(int minLength) {
+        m_minLength = minLength;
+        Changed();
+    }
+    void SetMaxLength(int maxLength) {
+        m_maxLength = maxLength;
+        Changed();
+    }
+    void SetMinInclusive(const std::string& bound) {
+        m_minInclusive = bound;
+        Changed();
+    }
+    void SetMaxInclusive(const std::string& bound) {
+        m_maxInclusive = bound;
+        Changed();
+    }
+    void SetMinExclusive(const std::string& bound) {
+        m_minExclusive = bound;
+        Changed();
+    }
+    void SetMaxExclusive(const std::string& bound) {
+        m_maxExclusive = bound;
+        Changed();
+    }
+    void SetLength(int length) {
+        m_length = length;
+        Changed();
+    }
 
     // Takes the value of the item type out of the variant and runs that type's
     // check. A nil variant passes. A variant of another type throws its
@@ -146,6 +172,18 @@ public:
                              const CPrimitiveRestrictions& facets);
 
 private:
+    // What checks keep between calls: the compiled pattern and the parsed
+    // bounds. Copies share it; a setter starts a fresh one.
+    struct CPrepared;
+    void Changed();
+    bool MatchesOwnPattern(const std::string& value) const;
+    // The bounds parsed once for an integer item type (std::int64_t or
+    // std::uint64_t storage), indexed in checking order; null when not kept.
+    template <class T, class Parse>
+    const std::optional<T>* PreparedBounds(ItemType type, Parse parse) const;
+    static void CheckLexical(const std::string& memberName, const std::string& value,
+                             const CPrimitiveRestrictions& facets);
+
     std::string m_pattern;
     int m_minLength = -1;
     int m_maxLength = -1;
@@ -154,6 +192,7 @@ private:
     std::string m_minExclusive;
     std::string m_maxExclusive;
     int m_length = -1;
+    std::shared_ptr<CPrepared> m_prepared;
 };
 
 }  // namespace QmXmlLib10
