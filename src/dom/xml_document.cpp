@@ -136,6 +136,10 @@ std::uint32_t CXmlDocument::GetMaxInflateRatio() noexcept { return g_maxInflateR
 void CXmlDocument::SetMinInflateLimit(std::uint64_t bytes) noexcept { g_minInflateLimit = bytes; }
 std::uint64_t CXmlDocument::GetMinInflateLimit() noexcept { return g_minInflateLimit; }
 
+void CXmlDocument::SetNodeCacheLimit(std::size_t bytes) noexcept { CXmlNodePool::SetCacheLimit(bytes); }
+std::size_t CXmlDocument::GetNodeCacheLimit() noexcept { return CXmlNodePool::GetCacheLimit(); }
+std::size_t CXmlDocument::GetNodeCacheSize() noexcept { return CXmlNodePool::GetCachedBytes(); }
+
 const std::string& CXmlDocument::LookupNamespaceFromAlias(const char* prefix) const {
     const auto found = m_namespaces.find(prefix != nullptr ? prefix : "");
     return found != m_namespaces.end() ? found->second : CXmlNameTable::EmptyString();

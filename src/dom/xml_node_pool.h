@@ -24,8 +24,13 @@ namespace QmXmlLib10 {
 // a free list per size, so a loader whose element filter drops each finished
 // subtree keeps reusing the same few blocks.
 //
+// Full-size chunks of a freed pool are kept, up to a process-wide limit, for
+// the next document: faulting in fresh pages (the kernel zeroes each one) costs
+// a tenth of a load, and a program that loads one document usually loads more.
+//
 // The pool only provides memory: callers construct and destroy the objects in
-// it. It is used by one thread at a time, like its document.
+// it. It is used by one thread at a time, like its document; the chunk cache
+// is shared and locked.
 class CXmlNodePool {
 public:
     // Largest block size served.
@@ -79,6 +84,13 @@ public:
     // Bytes held in chunks, used or not.
     std::size_t GetReservedBytes() const noexcept { return m_reserved; }
     std::size_t GetChunkCount() const noexcept { return m_chunkCount; }
+
+    // Bytes of freed chunks kept for reuse at most (rounded down to whole
+    // chunks); lowering it frees the surplus at once. 0 keeps none.
+    static void SetCacheLimit(std::size_t bytes) noexcept;
+    static std::size_t GetCacheLimit() noexcept;
+    // Bytes currently kept.
+    static std::size_t GetCachedBytes() noexcept;
 
 private:
     // Every node type holds pointers, so 8-byte alignment serves them all.

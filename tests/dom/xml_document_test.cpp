@@ -572,3 +572,32 @@ TEST(XmlDocumentLoad, TextsStayRightWhenAFilterRecyclesNodes) {
     EXPECT_EQ(i, 200);
     EXPECT_EQ(doc.GetDocumentElement()->GetText().size(), 1u + 400 * 3);
 }
+
+TEST(XmlDocumentLoad, NodeMemoryOfAFreedDocumentServesTheNextLoad) {
+    EXPECT_EQ(CXmlDocument::GetNodeCacheLimit(), std::size_t{128} << 20);  // the default
+    const std::string xml = OrderBook(20000);  // about 7 MB, several full-size chunks
+    CXmlDocument::SetNodeCacheLimit(0);
+    CXmlDocument::SetNodeCacheLimit(std::size_t{128} << 20);
+    CXmlDocument first;
+    LoadStream(first, Bytes(xml));
+    {
+        CXmlDocument scratch;
+        LoadStream(scratch, Bytes(xml));
+    }
+    const std::size_t kept = CXmlDocument::GetNodeCacheSize();
+    EXPECT_GT(kept, 0u);
+    EXPECT_EQ(kept % (std::size_t{2} << 20), 0u);
+
+    // Built in recycled memory, the tree is the same; reloading recycles too.
+    CXmlDocument second;
+    LoadStream(second, Bytes(xml));
+    EXPECT_LT(CXmlDocument::GetNodeCacheSize(), kept);
+    ExpectSameTree(first.GetDocumentElement(), second.GetDocumentElement());
+    LoadStream(second, Bytes(xml));
+    ExpectSameTree(first.GetDocumentElement(), second.GetDocumentElement());
+
+    CXmlDocument::SetNodeCacheLimit(0);  // gives everything back
+    EXPECT_EQ(CXmlDocument::GetNodeCacheSize(), 0u);
+    EXPECT_EQ(CXmlDocument::GetNodeCacheLimit(), 0u);
+    CXmlDocument::SetNodeCacheLimit(std::size_t{128} << 20);
+}

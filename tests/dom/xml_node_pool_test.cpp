@@ -75,3 +75,49 @@ TEST(XmlNodePoolTest, ManyMegabytesSpanHugePageChunks) {
     for (void* block : blocks) pool.Release(block, 88);
     EXPECT_EQ(pool.GetLiveCount(), 0u);
 }
+
+TEST(XmlNodePoolTest, FreedHugeChunksAreKeptForTheNextPoolUpToTheLimit) {
+    const std::size_t savedLimit = CXmlNodePool::GetCacheLimit();
+    const std::size_t huge = std::size_t{2} << 20;
+    CXmlNodePool::SetCacheLimit(0);
+    EXPECT_EQ(CXmlNodePool::GetCachedBytes(), 0u);
+    CXmlNodePool::SetCacheLimit(3 * huge + huge / 2);  // whole chunks only: three
+    std::set<void*> firstChunks;
+    {
+        CXmlNodePool pool;
+        // About 10 MB: the first 2 MiB go to growing chunks, then five or so huge ones.
+        std::vector<void*> blocks;
+        for (int i = 0; i < 100000; ++i) blocks.push_back(pool.Allocate(100));
+        for (void* block : blocks) {
+            std::memset(block, 0x11, 100);
+            firstChunks.insert(reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(block) & ~(huge - 1)));
+            pool.Release(block, 100);
+        }
+        EXPECT_GE(pool.GetChunkCount(), 5u);
+    }
+    EXPECT_EQ(CXmlNodePool::GetCachedBytes(), 3 * huge);
+
+    {
+        // The next pool starts from the kept chunks once it reaches full-size ones.
+        CXmlNodePool pool;
+        std::vector<void*> blocks;
+        bool reused = false;
+        for (int i = 0; i < 60000; ++i) {
+            void* block = pool.Allocate(100);
+            std::memset(block, 0x22, 100);
+            reused |= firstChunks.count(reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(block) & ~(huge - 1))) > 0;
+            blocks.push_back(block);
+        }
+        EXPECT_TRUE(reused);
+        EXPECT_LT(CXmlNodePool::GetCachedBytes(), 3 * huge);
+        for (void* block : blocks) EXPECT_EQ(static_cast<unsigned char*>(block)[99], 0x22);
+        for (void* block : blocks) pool.Release(block, 100);
+    }
+
+    CXmlNodePool::SetCacheLimit(huge);  // lowering frees the surplus at once
+    EXPECT_EQ(CXmlNodePool::GetCachedBytes(), huge);
+    CXmlNodePool::SetCacheLimit(0);
+    EXPECT_EQ(CXmlNodePool::GetCachedBytes(), 0u);
+    CXmlNodePool::SetCacheLimit(savedLimit);
+    EXPECT_EQ(CXmlNodePool::GetCacheLimit(), savedLimit);
+}

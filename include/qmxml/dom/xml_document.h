@@ -92,6 +92,17 @@ public:
     static void SetMinInflateLimit(std::uint64_t bytes) noexcept;
     static std::uint64_t GetMinInflateLimit() noexcept;
 
+    // Memory reuse across documents. The nodes of large trees live in 2 MiB
+    // blocks; when a document is destroyed or reloaded, up to this many bytes
+    // of them are kept for the next load in the process instead of going back
+    // to the system (default 128 MiB; 0 keeps none). Lowering the limit frees
+    // the surplus at once, so SetNodeCacheLimit(0) followed by the old value
+    // returns everything held. Thread-safe.
+    static void SetNodeCacheLimit(std::size_t bytes) noexcept;
+    static std::size_t GetNodeCacheLimit() noexcept;
+    // Bytes currently kept for reuse.
+    static std::size_t GetNodeCacheSize() noexcept;
+
 protected:
     // Destroys the tree and forgets the namespace declarations.
     virtual void Cleanup();
