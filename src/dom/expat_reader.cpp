@@ -17,7 +17,6 @@ namespace {
 
 constexpr char kSeparator = '|';
 constexpr std::size_t kInitialCacheSlots = 64;
-constexpr std::size_t kShortRun = 64;
 
 // Names are short: an inline comparison beats a call to memcmp.
 bool SameBytes(const char* a, const char* b, std::size_t length) noexcept {
@@ -109,6 +108,28 @@ void CExpatReader::ToLocal(const char* text, std::size_t length, std::string& ou
         out.append(text, length);
 }
 
+void CExpatReader::TextStack::Grow(std::size_t length) {
+    std::size_t capacity = m_capacity < 4096 ? 4096 : m_capacity;
+    while (capacity - m_size < length) {
+        if (capacity > SIZE_MAX / 2) throw std::bad_alloc();
+        capacity *= 2;
+    }
+    std::unique_ptr<char[]> bigger(new char[capacity]);
+    if (m_size > 0) std::memcpy(bigger.get(), m_data.get(), m_size);
+    m_data = std::move(bigger);
+    m_capacity = capacity;
+}
+
+void CExpatReader::AppendLocal(const char* text, std::size_t length) {
+    if (!m_convert) {
+        m_pendingText.Append(text, length);
+        return;
+    }
+    m_scratch.clear();
+    platform::Utf8ToLocal(text, length, m_scratch);
+    m_pendingText.Append(m_scratch);
+}
+
 // ------------------------------------------------------------------ names
 
 void CExpatReader::GrowCache() {
@@ -176,10 +197,9 @@ CExpatReader::Names CExpatReader::Lookup(const char* name) {
 void CExpatReader::StartElement(const char* name, const char** attributes) {
     const Names names = Lookup(name);
     CXmlElement* element = m_open.empty() ? CXmlTreeBuilder::CreateDocumentElement(m_document)
-                                          : CXmlTreeBuilder::CreateChild(m_open.back());
+                                          : CXmlTreeBuilder::CreateChild(m_open.back().element);
     CXmlTreeBuilder::SetName(element, names.localName, names.namespaceURI);
-    m_open.push_back(element);
-    m_textStart.push_back(m_pendingText.size());
+    m_open.push_back(OpenElement{element, m_pendingText.Size()});
 
     if (attributes[0] == nullptr) return;
     std::size_t count = 0;
@@ -198,38 +218,27 @@ void CExpatReader::StartElement(const char* name, const char** attributes) {
 
 void CExpatReader::EndElement() {
     if (m_open.empty()) return;
-    CXmlElement* element = m_open.back();
-    const std::size_t start = m_textStart.back();
-    if (m_pendingText.size() > start) {
-        CXmlTreeBuilder::AppendText(element, m_pendingText.data() + start, m_pendingText.size() - start);
-        m_pendingText.resize(start);
+    CXmlElement* element = m_open.back().element;
+    const std::size_t start = m_open.back().textStart;
+    if (m_pendingText.Size() > start) {
+        CXmlTreeBuilder::AppendText(element, m_pendingText.Data() + start, m_pendingText.Size() - start);
+        m_pendingText.Truncate(start);
     }
     m_open.pop_back();
-    m_textStart.pop_back();
     // The document element has no parent to be removed from.
     if (m_filter != nullptr && !m_open.empty() && m_filter(element))
-        CXmlTreeBuilder::DeleteLastChild(m_open.back());
+        CXmlTreeBuilder::DeleteLastChild(m_open.back().element);
 }
 
 void CExpatReader::AppendText(const char* text, std::size_t length) {
     if (m_open.empty()) return;
     // Carriage returns are never stored, including those written as &#13;.
-    // Expat already folds line ends, so they are rare, and most runs are a
-    // few bytes (a line break, an indentation, a short value): a plain loop
-    // answers those faster than a call to memchr.
-    if (length <= kShortRun) {
-        bool hasCR = false;
-        for (std::size_t i = 0; i < length; ++i) hasCR |= text[i] == '\r';
-        if (!hasCR) {
-            ToLocal(text, length, m_pendingText);
-            return;
-        }
-    }
+    // Expat already folds line ends, so they are rare.
     const char* end = text + length;
     while (text < end) {
         const char* cr = static_cast<const char*>(std::memchr(text, '\r', end - text));
         const char* stop = cr != nullptr ? cr : end;
-        if (stop > text) ToLocal(text, stop - text, m_pendingText);
+        if (stop > text) AppendLocal(text, stop - text);
         if (cr == nullptr) break;
         text = cr + 1;
     }
@@ -278,7 +287,7 @@ void XMLCALL CExpatReader::OnStartCData(void* self) {
     CExpatReader* reader = static_cast<CExpatReader*>(self);
     if (reader->m_error) return;
     try {
-        if (!reader->m_open.empty()) reader->m_pendingText.append("<![CDATA[");
+        if (!reader->m_open.empty()) reader->m_pendingText.Append("<![CDATA[", 9);
     } catch (...) {
         reader->Fail();
     }
@@ -288,7 +297,7 @@ void XMLCALL CExpatReader::OnEndCData(void* self) {
     CExpatReader* reader = static_cast<CExpatReader*>(self);
     if (reader->m_error) return;
     try {
-        if (!reader->m_open.empty()) reader->m_pendingText.append("]]>");
+        if (!reader->m_open.empty()) reader->m_pendingText.Append("]]>", 3);
     } catch (...) {
         reader->Fail();
     }

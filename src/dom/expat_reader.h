@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <exception>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -40,6 +42,31 @@ private:
         const std::string* localName;
         const std::string* namespaceURI;
     };
+    // The text of the open elements, back to back. Appending is the one thing
+    // done per character-data callback, so it is a bare copy into spare room.
+    class TextStack {
+    public:
+        std::size_t Size() const noexcept { return m_size; }
+        const char* Data() const noexcept { return m_data.get(); }
+        void Append(const char* text, std::size_t length) {
+            if (length > m_capacity - m_size) Grow(length);
+            std::memcpy(m_data.get() + m_size, text, length);
+            m_size += length;
+        }
+        void Append(const std::string& text) { Append(text.data(), text.size()); }
+        // Drops what follows size (never grows).
+        void Truncate(std::size_t size) noexcept { m_size = size; }
+
+    private:
+        void Grow(std::size_t length);
+        std::unique_ptr<char[]> m_data;
+        std::size_t m_size = 0;
+        std::size_t m_capacity = 0;
+    };
+    struct OpenElement {
+        CXmlElement* element;
+        std::size_t textStart;  // where its text begins in m_pendingText
+    };
     struct CacheSlot {
         std::size_t hash = 0;
         std::string key;  // Expat's name as given; empty: free slot
@@ -63,6 +90,7 @@ private:
     void GrowCache();
     // Converted text, unchanged when the local encoding is UTF-8.
     void ToLocal(const char* text, std::size_t length, std::string& out) const;
+    void AppendLocal(const char* text, std::size_t length);
     // Exceptions must not cross Expat's C frames: keep the first and stop.
     void Fail() noexcept;
 
@@ -71,12 +99,11 @@ private:
     bool m_namespaces;
     bool m_convert;
     bool (*m_filter)(CXmlElement*);
-    // Open elements, innermost last, and where each one's text starts in
-    // m_pendingText. Text is collected there and stored once per element when
-    // it ends, so that each element's string is allocated once at its size.
-    std::vector<CXmlElement*> m_open;
-    std::vector<std::size_t> m_textStart;
-    std::string m_pendingText;
+    // Open elements, innermost last. Text is collected in m_pendingText and
+    // stored once per element when it ends, so that each element's string is
+    // allocated once at its size.
+    std::vector<OpenElement> m_open;
+    TextStack m_pendingText;
     std::vector<CacheSlot> m_cache;
     std::size_t m_cacheCount = 0;
     std::string m_scratch;
