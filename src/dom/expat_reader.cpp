@@ -1,5 +1,6 @@
 #include "dom/expat_reader.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -18,23 +19,23 @@ namespace {
 constexpr char kSeparator = '|';
 constexpr std::size_t kInitialCacheSlots = 64;
 
-// Names are short: an inline comparison beats a call to memcmp.
-bool SameBytes(const char* a, const char* b, std::size_t length) noexcept {
-    for (; length >= 8; a += 8, b += 8, length -= 8) {
-        std::uint64_t x, y;
-        std::memcpy(&x, a, 8);
-        std::memcpy(&y, b, 8);
-        if (x != y) return false;
-    }
-    for (; length > 0; ++a, ++b, --length)
-        if (*a != *b) return false;
-    return true;
-}
-
 std::uint64_t Load64(const char* p) noexcept {
     std::uint64_t word;
     std::memcpy(&word, p, sizeof word);
     return word;
+}
+
+// Names are short: an inline comparison beats a call to memcmp. From eight
+// bytes on, the last word overlaps the one before instead of a byte loop.
+bool SameBytes(const char* a, const char* b, std::size_t length) noexcept {
+    if (length < 8) {
+        for (; length > 0; ++a, ++b, --length)
+            if (*a != *b) return false;
+        return true;
+    }
+    for (std::size_t i = 0; i + 8 < length; i += 8)
+        if (Load64(a + i) != Load64(b + i)) return false;
+    return Load64(a + length - 8) == Load64(b + length - 8);
 }
 
 // A document uses a few dozen names, so a cheap hash of the length and the
@@ -120,14 +121,38 @@ void CExpatReader::TextStack::Grow(std::size_t length) {
     m_capacity = capacity;
 }
 
+void CExpatReader::TextStack::AppendWithoutCR(const char* text, std::size_t length) {
+    Reserve(length);
+    char* const copy = m_data.get() + m_size;
+    std::memcpy(copy, text, length);
+    constexpr std::uint64_t kOnes = 0x0101010101010101ull;
+    constexpr std::uint64_t kHighs = 0x8080808080808080ull;
+    constexpr std::uint64_t kCRs = kOnes * '\r';
+    std::uint64_t found = 0;
+    std::size_t i = 0;
+    for (; i + 8 <= length; i += 8) {
+        const std::uint64_t word = Load64(copy + i) ^ kCRs;  // a CR byte becomes zero
+        found |= (word - kOnes) & ~word & kHighs;
+    }
+    if (i < length) {
+        // The slack makes the whole word readable; bytes past the end are
+        // forced away from zero so that they cannot match.
+        const std::uint64_t beyond = ~std::uint64_t{0} << (8 * (length - i));
+        const std::uint64_t word = (Load64(copy + i) ^ kCRs) | beyond;
+        found |= (word - kOnes) & ~word & kHighs;
+    }
+    if (found != 0) length = static_cast<std::size_t>(std::remove(copy, copy + length, '\r') - copy);
+    m_size += length;
+}
+
 void CExpatReader::AppendLocal(const char* text, std::size_t length) {
     if (!m_convert) {
-        m_pendingText.Append(text, length);
+        m_pendingText.AppendWithoutCR(text, length);
         return;
     }
     m_scratch.clear();
     platform::Utf8ToLocal(text, length, m_scratch);
-    m_pendingText.Append(m_scratch);
+    m_pendingText.AppendWithoutCR(m_scratch.data(), m_scratch.size());
 }
 
 // ------------------------------------------------------------------ names
@@ -231,17 +256,8 @@ void CExpatReader::EndElement() {
 }
 
 void CExpatReader::AppendText(const char* text, std::size_t length) {
-    if (m_open.empty()) return;
     // Carriage returns are never stored, including those written as &#13;.
-    // Expat already folds line ends, so they are rare.
-    const char* end = text + length;
-    while (text < end) {
-        const char* cr = static_cast<const char*>(std::memchr(text, '\r', end - text));
-        const char* stop = cr != nullptr ? cr : end;
-        if (stop > text) AppendLocal(text, stop - text);
-        if (cr == nullptr) break;
-        text = cr + 1;
-    }
+    if (!m_open.empty()) AppendLocal(text, length);
 }
 
 void CExpatReader::StartNamespace(const char* prefix, const char* uri) {
