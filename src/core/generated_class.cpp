@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <typeinfo>
 #include <vector>
@@ -25,6 +26,21 @@ using QmXmlLib10Data::CParentElementInfo;
 namespace {
 
 const char* const kXsiNamespace = "http://www.w3.org/2001/XMLSchema-instance";
+
+// One zeroed flag per attribute info. Classes have a handful, and this runs
+// for every bound element: a heap block each time would cost more than the rest.
+class PresenceFlags {
+public:
+    explicit PresenceFlags(std::size_t count)
+        : m_heap(count > sizeof m_inline ? new char[count]() : nullptr),
+          m_flags(m_heap ? m_heap.get() : m_inline) {}
+    char* Data() noexcept { return m_flags; }
+
+private:
+    char m_inline[16] = {};
+    std::unique_ptr<char[]> m_heap;
+    char* m_flags;
+};
 
 // The value of the element's xsi:nil attribute, or null when it has none.
 const std::string* FindNilAttribute(const CXmlElement* element) {
@@ -312,13 +328,13 @@ void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element) {
 }
 
 bool CXmlGeneratedClass::ClaimAttribute(const CXmlSerializationContext& ctx, CXmlAttribute* attribute,
-                                        bool wildcards, std::vector<char>& found) {
+                                        bool wildcards, char* found) {
     CAttributeInfo** infos = GetClassAttributeInfo();
     if (infos == nullptr) return false;
     for (size_t i = 0; infos[i]; ++i) {
         if (infos[i]->IsWildcard() != wildcards) continue;
         if (infos[i]->AttributeFromXml(ctx, this, attribute)) {
-            if (i < found.size()) found[i] = 1;
+            if (found != nullptr) found[i] = 1;
             return true;
         }
     }
@@ -348,21 +364,21 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext
         }
         return n;
     }();
-    std::vector<char> found(static_cast<size_t>(count), 0);
+    PresenceFlags found(static_cast<size_t>(count));
     for (CXmlAttribute* attribute : element->GetAttributes()) {
         if (attribute->IsNamespaceAttribute() || attribute->IsNilAttribute()) continue;
         // Named members first, so that a wildcard never takes their attributes.
-        if (ClaimAttribute(ctx, attribute, false, found)) continue;
+        if (ClaimAttribute(ctx, attribute, false, found.Data())) continue;
         if (deferred) {
             deferred->push_back(attribute);
             continue;
         }
-        if (ClaimAttribute(ctx, attribute, true, found)) continue;
+        if (ClaimAttribute(ctx, attribute, true, found.Data())) continue;
         if (GetClassInfo()->GetFromXmlFailIfAttributeUnknown() && !ctx.GetIgnoreUnknownAttributes()) {
             ThrowUnknownAttribute(attribute);
         }
     }
-    for (int i = 0; i < count; ++i) infos[i]->Validate(ctx, found[static_cast<size_t>(i)] != 0);
+    for (int i = 0; i < count; ++i) infos[i]->Validate(ctx, found.Data()[i] != 0);
 }
 
 void CXmlGeneratedClass::ProcessDeferredAttributes(const CXmlSerializationContext& ctx,
@@ -371,9 +387,8 @@ void CXmlGeneratedClass::ProcessDeferredAttributes(const CXmlSerializationContex
     if (CElementInfo** infos = GetClassElementInfo()) {
         for (int i = 0; infos[i]; ++i) infos[i]->PseudoChildAttributesFromXml(ctx, this, deferred);
     }
-    std::vector<char> unused;
     for (CXmlAttribute* attribute : deferred) {
-        if (ClaimAttribute(ctx, attribute, true, unused)) continue;
+        if (ClaimAttribute(ctx, attribute, true, nullptr)) continue;
         if (GetClassInfo()->GetFromXmlFailIfAttributeUnknown() && !ctx.GetIgnoreUnknownAttributes()) {
             ThrowUnknownAttribute(attribute);
         }
@@ -387,11 +402,11 @@ int CXmlGeneratedClass::TakePseudoChildAttributes(const CXmlSerializationContext
     if (infos) {
         while (infos[count]) ++count;
     }
-    std::vector<char> found(static_cast<size_t>(count), 0);
+    PresenceFlags found(static_cast<size_t>(count));
     const size_t before = pending.size();
     for (size_t i = 0; i < pending.size();) {
         CXmlAttribute* attribute = pending[i];
-        if (ClaimAttribute(ctx, attribute, false, found) || ClaimAttribute(ctx, attribute, true, found)) {
+        if (ClaimAttribute(ctx, attribute, false, found.Data()) || ClaimAttribute(ctx, attribute, true, found.Data())) {
             pending.erase(pending.begin() + static_cast<std::ptrdiff_t>(i));
         } else {
             ++i;
@@ -404,7 +419,7 @@ int CXmlGeneratedClass::TakePseudoChildAttributes(const CXmlSerializationContext
     }
     const int taken = static_cast<int>(before - pending.size());
     if (validate || taken > 0) {
-        for (int i = 0; i < count; ++i) infos[i]->Validate(ctx, found[static_cast<size_t>(i)] != 0);
+        for (int i = 0; i < count; ++i) infos[i]->Validate(ctx, found.Data()[i] != 0);
     }
     return taken;
 }

@@ -1,5 +1,6 @@
 #include <qmxml/types/variant.h>
 
+#include <type_traits>
 #include <utility>
 
 #include <qmxml/core/exception.h>
@@ -80,9 +81,21 @@ std::string QmVariant::GetType() const {
 
 template <class T>
 void QmVariant::Store(int type, T&& value) {
-    // Building the slot first leaves the variant as it was if a copy throws.
-    Slot slot(std::in_place_type<std::decay_t<T>>, std::forward<T>(value));
-    m_value = std::move(slot);
+    using Value = std::decay_t<T>;
+    if constexpr (std::is_nothrow_move_constructible_v<Value> && std::is_nothrow_move_assignable_v<Value>) {
+        // Copying first leaves the variant as it was if the copy throws; the
+        // rest cannot throw. A variant usually holds nothing or the same type
+        // already, which needs no generic slot-to-slot move.
+        Value copy(std::forward<T>(value));
+        if (Value* held = std::get_if<Value>(&m_value))
+            *held = std::move(copy);
+        else
+            m_value.template emplace<Value>(std::move(copy));
+    } else {
+        // Building the slot first leaves the variant as it was if a copy throws.
+        Slot slot(std::in_place_type<Value>, std::forward<T>(value));
+        m_value = std::move(slot);
+    }
     m_type = static_cast<ItemType>(type);
     m_nil = false;
 }

@@ -425,8 +425,10 @@ TEST(PatternTranslationTest, LocalEncodingIsConvertedToUtf8) {
 
 TEST(PatternMatchingTest, RunawayBacktrackingEndsInAnException) {
     const std::string as(100000, 'a');
-    ExpectThrow<CQmException>([&] { R::MatchesPattern(as, "(a+)+b"); },
-                              "Failed to match the Regular Expression: (a+)+b Error: 'match limit exceeded'");
+    // A required final character lets the matcher see at once that this fails.
+    EXPECT_FALSE(R::MatchesPattern(as, "(a+)+b"));
+    ExpectThrow<CQmException>([&] { R::MatchesPattern(as, "(a+)+[bd]"); },
+                              "Failed to match the Regular Expression: (a+)+[bd] Error: 'match limit exceeded'");
     ExpectThrow<CQmValidationException>(
         [&] { R::CheckString("m", as + "c", R("(a|aa)+[bd]", -1, -1, "", "", "", "", -1)); },
         "Failed to match the Regular Expression: (a|aa)+[bd] Error: 'match limit exceeded'\nInvalid Value for m [" +

@@ -171,8 +171,9 @@ private:
     int TakePseudoChildAttributes(const CXmlSerializationContext& ctx, std::vector<CXmlAttribute*>& pending,
                                   bool validate);
     // Offers `attribute` to the named infos (wildcards false) or the wildcard infos.
+    // found has one flag per attribute info (or is null when nobody asks).
     bool ClaimAttribute(const CXmlSerializationContext& ctx, CXmlAttribute* attribute, bool wildcards,
-                        std::vector<char>& found);
+                        char* found);
     bool HasInlinedMembers() const;
     [[noreturn]] static void ThrowUnknownAttribute(const CXmlAttribute* attribute);
     void ProcessAttributesToXml(const CXmlSerializationContext& ctx, QmXmlLib10Data::CElementInfo** elementInfo,
