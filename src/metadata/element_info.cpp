@@ -108,9 +108,7 @@ bool CElementInfo::ElementToXmlPrim(const CXmlSerializationContext&, const CXmlG
     CPrimitiveRestrictions::CheckRestriction(m_elementName, value, type, facets);
     std::string scratch;
     const std::string_view text = detail::ValueText(value, format, scratch);
-    writer->StartElement(m_elementName.c_str(), m_elementNamespace.c_str());
-    writer->WriteText(text.data(), type);
-    writer->EndElement();
+    writer->WriteSimpleElement(m_elementName.c_str(), m_elementNamespace.c_str(), text.data(), type);
     return true;
 }
 

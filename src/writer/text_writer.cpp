@@ -267,6 +267,64 @@ void CXmlTextWriter::WriteText(const char* value, ItemType) {
     FlushIfFull();
 }
 
+void CXmlTextWriter::WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
+                                        ItemType itemType) {
+    // The cases of StartElement where the name is written unprefixed or with
+    // the parent's prefix and nothing is declared; the others take the long way.
+    CXmlWriterContext* parent = GetCurrentContext();
+    const char* uri = OrEmpty(namespaceURI);
+    const std::string* prefix = nullptr;
+    bool plain = false;
+    if (parent) {
+        if (*uri == '\0') {
+            plain = !parent->m_inDefaultNamespace;  // else it undeclares the default
+        } else if (parent->m_inDefaultNamespace && GetDefaultNamespace() == uri) {
+            plain = true;
+        } else if (!parent->m_prefix.empty() && parent->m_namespaceURI == uri) {
+            plain = true;
+            prefix = &parent->m_prefix;
+        }
+    }
+    if (!plain) {
+        CXmlWriter::WriteSimpleElement(localName, namespaceURI, value, itemType);
+        return;
+    }
+    if (parent->m_startTagOpen) {
+        m_buffer.Append('>');
+        if (m_formatted) WriteEol();
+        parent->m_startTagOpen = false;
+    }
+    ++parent->m_childCount;
+    if (m_formatted) WriteTabs(parent->m_depth + 1);
+    m_buffer.Append('<');
+    if (prefix) {
+        Write(*prefix);
+        m_buffer.Append(':');
+    }
+    const char* name = OrEmpty(localName);
+    const std::size_t nameLength = std::strlen(name);
+    Write(name, nameLength);
+    if (value && *value != '\0') {
+        m_buffer.Append('>');
+        if (std::strncmp(value, "<![CDATA[", 9) == 0) {
+            m_buffer.Append(value);
+        } else {
+            WriteEscaped(value, false);
+        }
+        Write("</", 2);
+        if (prefix) {
+            Write(*prefix);
+            m_buffer.Append(':');
+        }
+        Write(name, nameLength);
+        m_buffer.Append('>');
+    } else {
+        Write("/>", 2);
+    }
+    if (m_formatted) WriteEol();
+    FlushIfFull();
+}
+
 void CXmlTextWriter::EndElement() {
     CXmlWriterContext& context = RequireContext();
     if (context.m_startTagOpen) {

@@ -95,6 +95,13 @@ void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
     m_current = context;
 }
 
+void CXmlWriter::WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
+                                    ItemType itemType) {
+    StartElement(localName, namespaceURI);
+    WriteText(value, itemType);
+    EndElement();
+}
+
 void CXmlWriter::EndElement() {
     if (!m_current) throw CQmException("An Element has not been opened.");
     m_current = m_current->m_parent;

@@ -378,3 +378,90 @@ TEST(XmlTextWriter, AsksForAFlushAt4096Characters) {
     }
     EXPECT_EQ(counting.flushed + counting.GetText(), memory.GetText());
 }
+
+namespace {
+
+// Writes an element with text only, in one call or in three.
+void Simple(CXmlTextWriter& w, bool oneCall, const char* name, const char* ns, const char* text) {
+    if (oneCall) {
+        w.WriteSimpleElement(name, ns, text);
+        return;
+    }
+    w.StartElement(name, ns);
+    w.WriteText(text);
+    w.EndElement();
+}
+
+std::string SimpleElements(bool oneCall, bool formatted, EOLType eol) {
+    Doc d;
+    d.w.SetFormatted(formatted);
+    d.w.SetEOLType(eol);
+    d.w.SetDefaultNamespace("urn:d");
+    d.w.AddNamespaceAlias("q", "urn:q");
+    d.w.StartElement("r", "urn:d");
+    d.w.WriteAttribute("id", "", "1");
+    Simple(d.w, oneCall, "a", "urn:d", "x & y\nz");       // unprefixed, closes the open start tag
+    Simple(d.w, oneCall, "b", "urn:d", "");               // empty
+    Simple(d.w, oneCall, "c", "urn:d", nullptr);
+    Simple(d.w, oneCall, "d", "urn:d", "<![CDATA[a<b]]>");
+    Simple(d.w, oneCall, "e", "", "no namespace");        // undeclares the default
+    Simple(d.w, oneCall, "f", "urn:q", "alias");          // the root's alias
+    Simple(d.w, oneCall, "g", "urn:new", "declared");     // a new prefix
+    Simple(d.w, oneCall, "h", kXml, "xml");
+    d.w.StartElement("p", "urn:q");
+    Simple(d.w, oneCall, "i", "urn:q", "parent's prefix");
+    d.w.StartElement("j", "urn:new2");
+    Simple(d.w, oneCall, "k", "urn:new2", "generated prefix");
+    Simple(d.w, oneCall, "l", "urn:q", "found in scope");
+    d.w.EndElement();
+    d.w.EndElement();
+    d.w.StartElement("m", "");
+    Simple(d.w, oneCall, "n", "", "plain");               // no default in scope here
+    Simple(d.w, oneCall, "o", "urn:d", "in default");
+    d.w.EndElement();
+    d.w.EndElement();
+    d.w.EndDocument();
+    return d.Text();
+}
+
+}  // namespace
+
+TEST(XmlTextWriter, SimpleElementsInOneCallWriteWhatThreeCallsWrite) {
+    const std::string expected =
+        "<r xmlns=\"urn:d\" xmlns:q=\"urn:q\" id=\"1\">\n"
+        "\t<a>x &amp; y\nz</a>\n"
+        "\t<b/>\n"
+        "\t<c/>\n"
+        "\t<d><![CDATA[a<b]]></d>\n"
+        "\t<e xmlns=\"\">no namespace</e>\n"
+        "\t<q:f>alias</q:f>\n"
+        "\t<AA:g xmlns:AA=\"urn:new\">declared</AA:g>\n"
+        "\t<xml:h>xml</xml:h>\n"
+        "\t<q:p>\n"
+        "\t\t<q:i>parent's prefix</q:i>\n"
+        "\t\t<AA:j xmlns:AA=\"urn:new2\">\n"
+        "\t\t\t<AA:k>generated prefix</AA:k>\n"
+        "\t\t\t<q:l>found in scope</q:l>\n"
+        "\t\t</AA:j>\n"
+        "\t</q:p>\n"
+        "\t<m xmlns=\"\">\n"
+        "\t\t<n>plain</n>\n"
+        "\t\t<AA:o xmlns:AA=\"urn:d\">in default</AA:o>\n"
+        "\t</m>\n"
+        "</r>\n";
+    EXPECT_EQ(expected, SimpleElements(false, true, EOLType_LF));
+    EXPECT_EQ(expected, SimpleElements(true, true, EOLType_LF));
+    for (bool formatted : {true, false}) {
+        EXPECT_EQ(SimpleElements(false, formatted, EOLType_CRLF), SimpleElements(true, formatted, EOLType_CRLF));
+    }
+
+    // A root written this way, and the parent's start tag is closed afterwards.
+    Doc root;
+    root.w.WriteSimpleElement("r", "urn:r", "t");
+    root.w.EndDocument();
+    EXPECT_EQ("<AA:r xmlns:AA=\"urn:r\">t</AA:r>\n", root.Text());
+    Doc closed;
+    closed.w.StartElement("r", "");
+    closed.w.WriteSimpleElement("c", "", "t");
+    EXPECT_EQ("Attributes must be added before elements", MessageOf([&] { closed.w.WriteAttribute("a", "", "1"); }));
+}

@@ -49,6 +49,10 @@ public:
     // Empty text writes nothing; text starting with "<![CDATA[" is written as is.
     void WriteText(const char* value, ItemType itemType = ItemType_string) override;
     void EndElement() override;
+    // The same text as the three calls, without a context of its own for the
+    // element when its name needs no namespace declaration.
+    void WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
+                            ItemType itemType = ItemType_string) override;
     // Throws "Attributes must be added before elements" once the start tag is closed.
     void WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                         ItemType itemType = ItemType_string) override;

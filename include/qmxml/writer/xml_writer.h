@@ -89,6 +89,10 @@ public:
     // and empty aliases) and is in the default namespace when one is set.
     virtual void StartElement(const char* localName, const char* namespaceURI);
     virtual void WriteText(const char* value, ItemType itemType = ItemType_string) = 0;
+    // An element holding text only: StartElement, WriteText, EndElement, which
+    // is what the base does; writers may do it in one step.
+    virtual void WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
+                                    ItemType itemType = ItemType_string);
     // Pops the innermost context; throws "An Element has not been opened." when none is.
     virtual void EndElement();
     virtual void WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
