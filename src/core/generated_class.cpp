@@ -66,7 +66,7 @@ void CXmlObjectAccess::WriteMember(const CXmlObjectBase* object, CXmlWriter* wri
     const std::string& recorded = object->GetRecordedElementName();
     const bool substituted = substitutable && !recorded.empty() && recorded != (declaredName ? declaredName : "");
     const char* name = substituted ? recorded.c_str() : declaredName;
-    const auto* generated = dynamic_cast<const CXmlGeneratedClass*>(object);
+    const CXmlGeneratedClass* generated = object->AsGeneratedClass();
     if (generated == nullptr) {
         object->ToXml_Int(writer, false, name, ctx, asChoiceMember);
         return;

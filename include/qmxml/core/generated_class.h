@@ -146,6 +146,7 @@ public:
 protected:
     friend class CXmlObjectAccess;
 
+    const CXmlGeneratedClass* AsGeneratedClass() const override { return this; }
     // asChoiceMember: the object is an optional inlined member, so an empty
     // choice as its content means the member is absent, not an error.
     void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,

@@ -20,6 +20,7 @@ class CBinaryData;
 class CElement;
 class CTextStream;
 class CXmlObjectAccess;
+class CXmlGeneratedClass;
 
 // Receives the events a collection raises when its content changes.
 class IEventSink {
@@ -119,6 +120,9 @@ protected:
 
     void OnEvent(CXmlObjectBase* source, MsgType type, void* data) override;
 
+    // The object as a generated class, or null: what a dynamic_cast gives,
+    // for writers that ask once per member.
+    virtual const CXmlGeneratedClass* AsGeneratedClass() const { return nullptr; }
     virtual void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const;
     virtual void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName,
                            const CXmlSerializationContext& ctx, bool asChoiceMember) const = 0;
