@@ -97,6 +97,12 @@ Memory MeasureMemory() {
     if (child == 0) {
         close(fds[0]);
         Memory m;
+        // Node memory that earlier loads left for reuse would make this load
+        // look smaller than a first one: give it back first.
+        const std::size_t cacheLimit = CXmlDocument::GetNodeCacheLimit();
+        CXmlDocument::SetNodeCacheLimit(0);
+        CXmlDocument::SetNodeCacheLimit(cacheLimit);
+        malloc_trim(0);
         if (std::FILE* clear = std::fopen("/proc/self/clear_refs", "w")) {
             std::fputs("5", clear);  // VmHWM := VmRSS
             std::fclose(clear);
@@ -110,6 +116,10 @@ Memory MeasureMemory() {
                 orders::COrders book;
                 book.FromXmlStream(InputBytes(), InputLength());
                 m.peak = (StatusKiB("VmHWM:") - before) * 1024LL;
+                // The freed tree's node blocks wait in the reuse cache; they are
+                // not the objects' (and go back to the system on request).
+                CXmlDocument::SetNodeCacheLimit(0);
+                CXmlDocument::SetNodeCacheLimit(cacheLimit);
                 malloc_trim(0);
                 m.retained = (StatusKiB("VmRSS:") - before) * 1024LL;
                 m.heap = static_cast<long long>(mallinfo2().uordblks - heapBefore);

@@ -163,6 +163,12 @@ long long PeakLoadBytes() {
     if (child == 0) {
         close(fds[0]);
         long long result = -1;
+        // Node memory that earlier loads left for reuse would make this load
+        // look smaller than a first one: give it back first.
+        const std::size_t cacheLimit = CXmlDocument::GetNodeCacheLimit();
+        CXmlDocument::SetNodeCacheLimit(0);
+        CXmlDocument::SetNodeCacheLimit(cacheLimit);
+        malloc_trim(0);
         if (std::FILE* clear = std::fopen("/proc/self/clear_refs", "w")) {
             std::fputs("5", clear);  // resets VmHWM to the current VmRSS
             std::fclose(clear);
