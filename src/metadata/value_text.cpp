@@ -1,6 +1,9 @@
 #include "value_text.h"
 
 #include <charconv>
+#include <clocale>
+#include <cmath>
+#include <limits>
 
 namespace QmXmlLib10Data::detail {
 
@@ -14,6 +17,27 @@ std::string_view IntegerText(T value, std::string& scratch) {
     const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
     scratch.assign(buffer, result.ptr);
     return scratch;
+}
+
+// FloatText's default forms ("%.7g", "%.16g" through snprintf): to_chars
+// gives the same digits and layout as printf in the C locale; under a locale
+// with another decimal point snprintf's form is kept.
+bool RealText(double value, int precision, std::string& scratch) {
+    if (std::isnan(value)) {
+        scratch = "NaN";
+    } else if (value <= -std::numeric_limits<double>::infinity()) {
+        scratch = "-INF";
+    } else if (value >= std::numeric_limits<double>::infinity()) {
+        scratch = "INF";
+    } else {
+        const char* point = std::localeconv()->decimal_point;
+        if (point == nullptr || point[0] != '.' || point[1] != '\0') return false;
+        char buffer[48];
+        const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, precision);
+        if (result.ec != std::errc()) return false;
+        scratch.assign(buffer, result.ptr);
+    }
+    return true;
 }
 
 std::string_view DateText(const CDateTime& value, std::string& scratch) {
@@ -43,6 +67,12 @@ std::string_view ValueText(const QmVariant& value, const std::string& format, st
             case ItemType_time: return DateText(value.GetTime(), scratch);
             case ItemType_yearMonth: return DateText(value.GetYearMonth(), scratch);
             case ItemType_monthDay: return DateText(value.GetMonthDay(), scratch);
+            case ItemType_r4:
+                if (format.empty() && RealText(static_cast<double>(value.GetR4()), 7, scratch)) return scratch;
+                break;
+            case ItemType_r8:
+                if (format.empty() && RealText(value.GetR8(), 16, scratch)) return scratch;
+                break;
             case ItemType_decimal:
                 if (!format.empty()) break;  // rounded to the format's places
                 scratch.clear();
