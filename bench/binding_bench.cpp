@@ -14,48 +14,26 @@
 // megabytes (default 50).
 #include <expat.h>
 #include <malloc.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
-#include <vector>
 
+#include "bench_support.h"
 #include "orders.h"
 
 using namespace QmXmlLib10;
-using Clock = std::chrono::steady_clock;
+using bench::TimeBest;
 
 namespace {
 
 std::string g_input;
 
-double Seconds(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
-
 bool MakeInput() {
-    const char* sizeText = std::getenv("QMXML_BENCH_MB");
-    const double megabytes = sizeText != nullptr ? std::atof(sizeText) : 50.0;
     // gen_orders.py writes about 1086 bytes per order.
-    const long orders = std::max(1L, static_cast<long>(megabytes * 1e6 / 1086));
-    char path[] = "/tmp/qmxml_binding_XXXXXX";
-    const int fd = mkstemp(path);
-    if (fd < 0) return false;
-    close(fd);
-    const std::string command =
-        std::string("python3 '") + QMXML_BENCH_DIR + "/gen_orders.py' " + std::to_string(orders) + " '" + path + "'";
-    const bool ok = std::system(command.c_str()) == 0;
-    if (ok) {
-        std::ifstream in(path, std::ios::binary);
-        g_input.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
-    std::remove(path);
-    return ok && !g_input.empty();
+    const long orders = std::max(1L, static_cast<long>(bench::MegabytesFromEnvironment() * 1e6 / 1086));
+    return bench::GenerateOrderBook(orders, g_input);
 }
 
 void XMLCALL NoStart(void*, const XML_Char*, const XML_Char**) {}
@@ -74,16 +52,6 @@ bool ExpatAlone() {
 unsigned char* InputBytes() { return reinterpret_cast<unsigned char*>(&g_input[0]); }
 std::uint32_t InputLength() { return static_cast<std::uint32_t>(g_input.size()); }
 
-long StatusKiB(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    const std::size_t n = std::strlen(field);
-    while (std::getline(status, line)) {
-        if (line.compare(0, n, field) == 0) return std::strtol(line.c_str() + n + 1, nullptr, 10);
-    }
-    return -1;
-}
-
 struct Memory {
     long long peak = -1;      // resident high-water of the read above the start
     long long retained = -1;  // resident after the read, document freed
@@ -91,49 +59,26 @@ struct Memory {
 };
 
 Memory MeasureMemory() {
-    int fds[2];
-    if (pipe(fds) != 0) return {};
-    const pid_t child = fork();
-    if (child == 0) {
-        close(fds[0]);
-        Memory m;
-        // Node memory that earlier loads left for reuse would make this load
-        // look smaller than a first one: give it back first.
-        const std::size_t cacheLimit = CXmlDocument::GetNodeCacheLimit();
-        CXmlDocument::SetNodeCacheLimit(0);
-        CXmlDocument::SetNodeCacheLimit(cacheLimit);
-        malloc_trim(0);
-        if (std::FILE* clear = std::fopen("/proc/self/clear_refs", "w")) {
-            std::fputs("5", clear);  // VmHWM := VmRSS
-            std::fclose(clear);
-            unsigned sum = 0;  // the input is resident in the child too
-            for (std::size_t i = 0; i < g_input.size(); i += 4096) sum += static_cast<unsigned char>(g_input[i]);
-            if (sum == 1) std::puts("");
+    return bench::MeasureInChild(
+        [] {
+            Memory m;
+            bench::ReleaseNodeCache();
+            if (!bench::ResetPeakResident()) return m;
+            bench::TouchPages(g_input.data(), g_input.size());  // the input is resident in the child too
             malloc_trim(0);
-            const long before = StatusKiB("VmRSS:");
+            const long before = bench::StatusKiB("VmRSS:");
             const std::size_t heapBefore = mallinfo2().uordblks;
-            {
-                orders::COrders book;
-                book.FromXmlStream(InputBytes(), InputLength());
-                m.peak = (StatusKiB("VmHWM:") - before) * 1024LL;
-                // The freed tree's node blocks wait in the reuse cache; they are
-                // not the objects' (and go back to the system on request).
-                CXmlDocument::SetNodeCacheLimit(0);
-                CXmlDocument::SetNodeCacheLimit(cacheLimit);
-                malloc_trim(0);
-                m.retained = (StatusKiB("VmRSS:") - before) * 1024LL;
-                m.heap = static_cast<long long>(mallinfo2().uordblks - heapBefore);
-            }
-        }
-        if (write(fds[1], &m, sizeof m) != sizeof m) _exit(1);
-        _exit(0);
-    }
-    close(fds[1]);
-    Memory m;
-    if (read(fds[0], &m, sizeof m) != sizeof m) m = Memory{};
-    close(fds[0]);
-    waitpid(child, nullptr, 0);
-    return m;
+            orders::COrders book;
+            book.FromXmlStream(InputBytes(), InputLength());
+            m.peak = (bench::StatusKiB("VmHWM:") - before) * 1024LL;
+            // The freed tree's node blocks wait in the reuse cache; they are
+            // not the objects' (and go back to the system on request).
+            bench::ReleaseNodeCache();
+            m.retained = (bench::StatusKiB("VmRSS:") - before) * 1024LL;
+            m.heap = static_cast<long long>(mallinfo2().uordblks - heapBefore);
+            return m;
+        },
+        Memory{});
 }
 
 }  // namespace
@@ -152,28 +97,22 @@ int main(int argc, char** argv) {
         CSmartPtr<orders::COrders> book;
         // Interleaved, so that both sides of each pair see the same machine state.
         for (int run = 0; run < runs; ++run) {
-            Clock::time_point start = Clock::now();
-            if (!ExpatAlone()) throw CQmException("Expat failed on the order book");
-            expat = std::min(expat, Seconds(start));
+            TimeBest(expat, [] {
+                if (!ExpatAlone()) throw CQmException("Expat failed on the order book");
+            });
 
             book = nullptr;  // the previous run's objects are freed untimed
             malloc_trim(0);
             CSmartPtr<orders::COrders> fresh = new orders::COrders();
-            start = Clock::now();
-            fresh->FromXmlStream(InputBytes(), InputLength());
-            bind = std::min(bind, Seconds(start));
+            TimeBest(bind, [&] { fresh->FromXmlStream(InputBytes(), InputLength()); });
             book = fresh;
         }
         orderCount = book->GetOrder()->GetCount();
         CSmartPtr<CElement> tree = new CElement();
         tree->FromXmlStream(InputBytes(), InputLength());
         for (int run = 0; run < runs; ++run) {
-            Clock::time_point start = Clock::now();
-            boundBytes = book->ToXml(true, true, EOLType_LF).size();
-            toXml = std::min(toXml, Seconds(start));
-            start = Clock::now();
-            elementBytes = tree->ToXml(true, true, EOLType_LF).size();
-            elementToXml = std::min(elementToXml, Seconds(start));
+            TimeBest(toXml, [&] { boundBytes = book->ToXml(true, true, EOLType_LF).size(); });
+            TimeBest(elementToXml, [&] { elementBytes = tree->ToXml(true, true, EOLType_LF).size(); });
         }
         tree = nullptr;
         book = nullptr;

@@ -12,7 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "bench_support.h"
+
 using namespace QmXmlLib10;
+using bench::RunCycling;
 
 namespace {
 
@@ -73,21 +76,40 @@ const std::vector<std::string>& IntegerTexts() {
     return texts;
 }
 
-template <typename Fn>
-void RunOverTexts(benchmark::State& state, const std::vector<std::string>& texts, Fn fn) {
-    std::size_t i = 0;
-    for (auto _ : state) {
-        fn(texts[i]);
-        i = (i + 1) % texts.size();
+std::vector<CDateTimeSpan> Durations() {
+    std::vector<CDateTimeSpan> values;
+    for (const std::string& text : DurationTexts()) {
+        values.emplace_back();
+        values.back().ParseXSDDuration(text.c_str());
     }
-    state.SetItemsProcessed(state.iterations());
+    return values;
+}
+
+// Printing a value, as each type's own ToString does it.
+template <typename Value>
+void RunPrint(benchmark::State& state, const std::vector<Value>& values) {
+    RunCycling(state, values, [](const Value& value) {
+        std::string text = value.ToString();
+        benchmark::DoNotOptimize(text.data());
+    });
+}
+
+// The baseline of printing: snprintf of the same fields into a string.
+template <typename Print>
+void RunPrintFields(benchmark::State& state, Print print) {
+    RunCycling(state, Fields(), [&](const SFields& f) {
+        char buffer[64];
+        const int n = print(buffer, sizeof buffer, f);
+        std::string text(buffer, static_cast<std::size_t>(n));
+        benchmark::DoNotOptimize(text.data());
+    });
 }
 
 // --- dateTime ------------------------------------------------------------------
 
 void BM_DateTimeParse(benchmark::State& state) {
     CDateTime value;
-    RunOverTexts(state, DateTimeTexts(), [&](const std::string& text) {
+    RunCycling(state, DateTimeTexts(), [&](const std::string& text) {
         value.ParseXSDDateTime(text.c_str());
         benchmark::DoNotOptimize(value);
     });
@@ -95,7 +117,7 @@ void BM_DateTimeParse(benchmark::State& state) {
 BENCHMARK(BM_DateTimeParse);
 
 void BM_DateTimeParseBaselineSscanf(benchmark::State& state) {
-    RunOverTexts(state, DateTimeTexts(), [](const std::string& text) {
+    RunCycling(state, DateTimeTexts(), [](const std::string& text) {
         int y, mo, d, h, mi, s, ms;
         benchmark::DoNotOptimize(std::sscanf(text.c_str(), "%d-%d-%dT%d:%d:%d.%dZ", &y, &mo, &d, &h, &mi, &s, &ms));
         benchmark::DoNotOptimize(y + mo + d + h + mi + s + ms);
@@ -104,7 +126,7 @@ void BM_DateTimeParseBaselineSscanf(benchmark::State& state) {
 BENCHMARK(BM_DateTimeParseBaselineSscanf);
 
 void BM_DateTimeParseBaselineFromChars(benchmark::State& state) {
-    RunOverTexts(state, IntegerTexts(), [](const std::string& text) {
+    RunCycling(state, IntegerTexts(), [](const std::string& text) {
         std::uint64_t value = 0;
         std::from_chars(text.data(), text.data() + text.size(), value);
         benchmark::DoNotOptimize(value);
@@ -117,29 +139,15 @@ void BM_DateTimePrint(benchmark::State& state) {
     for (const std::string& text : DateTimeTexts()) {
         values.emplace_back(text.c_str());
     }
-    std::size_t i = 0;
-    for (auto _ : state) {
-        std::string text = values[i].ToString();
-        benchmark::DoNotOptimize(text.data());
-        i = (i + 1) % values.size();
-    }
-    state.SetItemsProcessed(state.iterations());
+    RunPrint(state, values);
 }
 BENCHMARK(BM_DateTimePrint);
 
 void BM_DateTimePrintBaselineSnprintf(benchmark::State& state) {
-    const std::vector<SFields>& fields = Fields();
-    std::size_t i = 0;
-    for (auto _ : state) {
-        const SFields& f = fields[i];
-        char buffer[64];
-        const int n = std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02dT%02d:%02d:%02d.%03dZ", f.year, f.month,
-                                    f.day, f.hour, f.minute, f.second, f.millis);
-        std::string text(buffer, static_cast<std::size_t>(n));
-        benchmark::DoNotOptimize(text.data());
-        i = (i + 1) % fields.size();
-    }
-    state.SetItemsProcessed(state.iterations());
+    RunPrintFields(state, [](char* buffer, std::size_t size, const SFields& f) {
+        return std::snprintf(buffer, size, "%04d-%02d-%02dT%02d:%02d:%02d.%03dZ", f.year, f.month, f.day, f.hour,
+                             f.minute, f.second, f.millis);
+    });
 }
 BENCHMARK(BM_DateTimePrintBaselineSnprintf);
 
@@ -147,7 +155,7 @@ BENCHMARK(BM_DateTimePrintBaselineSnprintf);
 
 void BM_DateParse(benchmark::State& state) {
     CDateTime value;
-    RunOverTexts(state, DateTexts(), [&](const std::string& text) {
+    RunCycling(state, DateTexts(), [&](const std::string& text) {
         value.ParseXSDDate(text.c_str());
         benchmark::DoNotOptimize(value);
     });
@@ -155,7 +163,7 @@ void BM_DateParse(benchmark::State& state) {
 BENCHMARK(BM_DateParse);
 
 void BM_DateParseBaselineSscanf(benchmark::State& state) {
-    RunOverTexts(state, DateTexts(), [](const std::string& text) {
+    RunCycling(state, DateTexts(), [](const std::string& text) {
         int y, m, d;
         benchmark::DoNotOptimize(std::sscanf(text.c_str(), "%d-%d-%d", &y, &m, &d));
         benchmark::DoNotOptimize(y + m + d);
@@ -169,28 +177,14 @@ void BM_DatePrint(benchmark::State& state) {
         values.emplace_back();
         values.back().ParseXSDDate(text.c_str());
     }
-    std::size_t i = 0;
-    for (auto _ : state) {
-        std::string text = values[i].ToString();
-        benchmark::DoNotOptimize(text.data());
-        i = (i + 1) % values.size();
-    }
-    state.SetItemsProcessed(state.iterations());
+    RunPrint(state, values);
 }
 BENCHMARK(BM_DatePrint);
 
 void BM_DatePrintBaselineSnprintf(benchmark::State& state) {
-    const std::vector<SFields>& fields = Fields();
-    std::size_t i = 0;
-    for (auto _ : state) {
-        const SFields& f = fields[i];
-        char buffer[32];
-        const int n = std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d", f.year, f.month, f.day);
-        std::string text(buffer, static_cast<std::size_t>(n));
-        benchmark::DoNotOptimize(text.data());
-        i = (i + 1) % fields.size();
-    }
-    state.SetItemsProcessed(state.iterations());
+    RunPrintFields(state, [](char* buffer, std::size_t size, const SFields& f) {
+        return std::snprintf(buffer, size, "%04d-%02d-%02d", f.year, f.month, f.day);
+    });
 }
 BENCHMARK(BM_DatePrintBaselineSnprintf);
 
@@ -198,7 +192,7 @@ BENCHMARK(BM_DatePrintBaselineSnprintf);
 
 void BM_DurationParse(benchmark::State& state) {
     CDateTimeSpan value;
-    RunOverTexts(state, DurationTexts(), [&](const std::string& text) {
+    RunCycling(state, DurationTexts(), [&](const std::string& text) {
         value.ParseXSDDuration(text.c_str());
         benchmark::DoNotOptimize(value);
     });
@@ -206,7 +200,7 @@ void BM_DurationParse(benchmark::State& state) {
 BENCHMARK(BM_DurationParse);
 
 void BM_DurationParseBaselineSscanf(benchmark::State& state) {
-    RunOverTexts(state, DurationTexts(), [](const std::string& text) {
+    RunCycling(state, DurationTexts(), [](const std::string& text) {
         int y, mo, d, h, mi, s;
         benchmark::DoNotOptimize(std::sscanf(text.c_str(), "P%dY%dM%dDT%dH%dM%dS", &y, &mo, &d, &h, &mi, &s));
         benchmark::DoNotOptimize(y + mo + d + h + mi + s);
@@ -214,45 +208,19 @@ void BM_DurationParseBaselineSscanf(benchmark::State& state) {
 }
 BENCHMARK(BM_DurationParseBaselineSscanf);
 
-void BM_DurationPrint(benchmark::State& state) {
-    std::vector<CDateTimeSpan> values;
-    for (const std::string& text : DurationTexts()) {
-        values.emplace_back();
-        values.back().ParseXSDDuration(text.c_str());
-    }
-    std::size_t i = 0;
-    for (auto _ : state) {
-        std::string text = values[i].ToString();
-        benchmark::DoNotOptimize(text.data());
-        i = (i + 1) % values.size();
-    }
-    state.SetItemsProcessed(state.iterations());
-}
+void BM_DurationPrint(benchmark::State& state) { RunPrint(state, Durations()); }
 BENCHMARK(BM_DurationPrint);
 
 void BM_DurationPrintBaselineSnprintf(benchmark::State& state) {
-    const std::vector<SFields>& fields = Fields();
-    std::size_t i = 0;
-    for (auto _ : state) {
-        const SFields& f = fields[i];
-        char buffer[64];
-        const int n = std::snprintf(buffer, sizeof buffer, "P%dY%dM%dDT%dH%dM%dS", f.year, f.month, f.day, f.hour,
-                                    f.minute, f.second);
-        std::string text(buffer, static_cast<std::size_t>(n));
-        benchmark::DoNotOptimize(text.data());
-        i = (i + 1) % fields.size();
-    }
-    state.SetItemsProcessed(state.iterations());
+    RunPrintFields(state, [](char* buffer, std::size_t size, const SFields& f) {
+        return std::snprintf(buffer, size, "P%dY%dM%dDT%dH%dM%dS", f.year, f.month, f.day, f.hour, f.minute, f.second);
+    });
 }
 BENCHMARK(BM_DurationPrintBaselineSnprintf);
 
 // The order relation adds both durations to four reference instants.
 void BM_DurationCompare(benchmark::State& state) {
-    std::vector<CDateTimeSpan> values;
-    for (const std::string& text : DurationTexts()) {
-        values.emplace_back();
-        values.back().ParseXSDDuration(text.c_str());
-    }
+    const std::vector<CDateTimeSpan> values = Durations();
     std::size_t i = 0;
     for (auto _ : state) {
         benchmark::DoNotOptimize(values[i].CompareTo(values[(i + 1) % values.size()]));

@@ -46,42 +46,40 @@ const std::vector<std::string>& Values(std::size_t caseIndex) {
     return values[caseIndex];
 }
 
-// The facet check as the metadata runs it: lengths, then the cached pattern.
-void BM_FacetCheckCached(benchmark::State& state) {
+// One check per iteration over the case's values, labelled with its pattern.
+template <typename Check>
+void RunCase(benchmark::State& state, Check check) {
     const auto caseIndex = static_cast<std::size_t>(state.range(0));
-    const CPrimitiveRestrictions facets(kCases[caseIndex].pattern, 1, 64, "", "", "", "", -1);
     const std::vector<std::string>& values = Values(caseIndex);
     std::size_t i = 0;
     for (auto _ : state) {
-        CPrimitiveRestrictions::CheckString("member", values[i++ % kValues], facets);
+        check(values[i++ % kValues]);
     }
     state.SetItemsProcessed(state.iterations());
     state.SetLabel(kCases[caseIndex].pattern);
 }
 
+const char* Pattern(const benchmark::State& state) { return kCases[static_cast<std::size_t>(state.range(0))].pattern; }
+
+// The facet check as the metadata runs it: lengths, then the cached pattern.
+void BM_FacetCheckCached(benchmark::State& state) {
+    const CPrimitiveRestrictions facets(Pattern(state), 1, 64, "", "", "", "", -1);
+    RunCase(state, [&](const std::string& value) { CPrimitiveRestrictions::CheckString("member", value, facets); });
+}
+
 void BM_MatchCached(benchmark::State& state) {
-    const auto caseIndex = static_cast<std::size_t>(state.range(0));
-    const std::string pattern = kCases[caseIndex].pattern;
-    const std::vector<std::string>& values = Values(caseIndex);
-    std::size_t i = 0;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(CPrimitiveRestrictions::MatchesPattern(values[i++ % kValues], pattern));
-    }
-    state.SetItemsProcessed(state.iterations());
-    state.SetLabel(kCases[caseIndex].pattern);
+    const std::string pattern = Pattern(state);
+    RunCase(state, [&](const std::string& value) {
+        benchmark::DoNotOptimize(CPrimitiveRestrictions::MatchesPattern(value, pattern));
+    });
 }
 
 // Baseline: translate, compile, create match data, match and free every time.
 void BM_MatchCompileEachTime(benchmark::State& state) {
-    const auto caseIndex = static_cast<std::size_t>(state.range(0));
-    const std::string pattern = kCases[caseIndex].pattern;
-    const std::vector<std::string>& values = Values(caseIndex);
-    std::size_t i = 0;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(patterns::MatchUncached(values[i++ % kValues], pattern));
-    }
-    state.SetItemsProcessed(state.iterations());
-    state.SetLabel(kCases[caseIndex].pattern);
+    const std::string pattern = Pattern(state);
+    RunCase(state, [&](const std::string& value) {
+        benchmark::DoNotOptimize(patterns::MatchUncached(value, pattern));
+    });
 }
 
 }  // namespace

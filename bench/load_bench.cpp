@@ -17,19 +17,13 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include <dlfcn.h>
 #include <malloc.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
+#include "bench_support.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/dom/xml_document.h"
 
@@ -102,7 +96,7 @@ void BM_ExpatAlone(benchmark::State& state) {
     for (auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
         if (!ExpatAlone(g_input.data(), g_input.size(), piece)) state.SkipWithError("Expat failed");
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        const double seconds = bench::Seconds(start);
         state.SetIterationTime(seconds);
         Record(g_bestExpat, seconds);
     }
@@ -117,7 +111,7 @@ void BM_ExpatPlusNodeAllocation(benchmark::State& state) {
         std::vector<std::unique_ptr<char[]>> nodes;
         const auto start = std::chrono::steady_clock::now();
         if (!ExpatAlone(g_input.data(), g_input.size(), 0x20000, &nodes)) state.SkipWithError("Expat failed");
-        state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        state.SetIterationTime(bench::Seconds(start));
         nodes.clear();
         malloc_trim(0);
     }
@@ -134,7 +128,7 @@ void BM_LoadXmlStream(benchmark::State& state) {
         } catch (const CQmException& e) {
             state.SkipWithError(e.what());
         }
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        const double seconds = bench::Seconds(start);
         state.SetIterationTime(seconds);
         Record(g_bestLoad, seconds);
         // Not timed: the teardown, and the consolidation of the freed nodes
@@ -146,76 +140,25 @@ void BM_LoadXmlStream(benchmark::State& state) {
 }
 BENCHMARK(BM_LoadXmlStream)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
-long StatusKiB(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    const std::size_t n = std::strlen(field);
-    while (std::getline(status, line))
-        if (line.compare(0, n, field) == 0) return std::strtol(line.c_str() + n + 1, nullptr, 10);
-    return -1;
-}
-
 // Peak resident bytes of one load above what the process held before it.
 long long PeakLoadBytes() {
-    int fds[2];
-    if (pipe(fds) != 0) return -1;
-    const pid_t child = fork();
-    if (child == 0) {
-        close(fds[0]);
-        long long result = -1;
-        // Node memory that earlier loads left for reuse would make this load
-        // look smaller than a first one: give it back first.
-        const std::size_t cacheLimit = CXmlDocument::GetNodeCacheLimit();
-        CXmlDocument::SetNodeCacheLimit(0);
-        CXmlDocument::SetNodeCacheLimit(cacheLimit);
-        malloc_trim(0);
-        if (std::FILE* clear = std::fopen("/proc/self/clear_refs", "w")) {
-            std::fputs("5", clear);  // resets VmHWM to the current VmRSS
-            std::fclose(clear);
-            // Touch the input so that it is resident in this process too.
-            unsigned sum = 0;
-            for (std::size_t i = 0; i < g_input.size(); i += 4096) sum += g_input[i];
-            benchmark::DoNotOptimize(sum);
-            const long before = StatusKiB("VmRSS:");
+    return bench::MeasureInChild(
+        [] {
+            bench::ReleaseNodeCache();
+            if (!bench::ResetPeakResident()) return -1LL;
+            bench::TouchPages(g_input.data(), g_input.size());  // the input counts as held already
+            const long before = bench::StatusKiB("VmRSS:");
             CXmlDocument doc;
             doc.LoadXmlStream(g_input.data(), static_cast<std::uint32_t>(g_input.size()));
-            result = (StatusKiB("VmHWM:") - before) * 1024LL;
-        }
-        if (write(fds[1], &result, sizeof result) != sizeof result) _exit(1);
-        _exit(0);
-    }
-    close(fds[1]);
-    long long result = -1;
-    if (read(fds[0], &result, sizeof result) != sizeof result) result = -1;
-    close(fds[0]);
-    waitpid(child, nullptr, 0);
-    return result;
-}
-
-std::string BenchDirectory() {
-    const std::string here = __FILE__;
-    const std::size_t slash = here.rfind('/');
-    return slash == std::string::npos ? std::string(".") : here.substr(0, slash);
+            return (bench::StatusKiB("VmHWM:") - before) * 1024LL;
+        },
+        -1LL);
 }
 
 bool MakeInput() {
-    const char* sizeText = std::getenv("QMXML_BENCH_MB");
-    const double megabytes = sizeText != nullptr ? std::atof(sizeText) : 50.0;
     // gen_orders.py writes about 1086 bytes per order.
-    const long orders = static_cast<long>(megabytes * 1e6 / 1086) + 1;
-    char path[] = "/tmp/qmxml_orders_XXXXXX";
-    const int fd = mkstemp(path);
-    if (fd < 0) return false;
-    close(fd);
-    const std::string command = "python3 '" + BenchDirectory() + "/gen_orders.py' " + std::to_string(orders) +
-                                " '" + path + "'";
-    const bool ok = std::system(command.c_str()) == 0;
-    if (ok) {
-        std::ifstream in(path, std::ios::binary);
-        g_input.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
-    std::remove(path);
-    return ok && !g_input.empty();
+    const long orders = static_cast<long>(bench::MegabytesFromEnvironment() * 1e6 / 1086) + 1;
+    return bench::GenerateOrderBook(orders, g_input);
 }
 
 }  // namespace

@@ -26,7 +26,10 @@
 #include <string>
 #include <vector>
 
+#include "bench_support.h"
+
 using namespace QmXmlLib10;
+using bench::RunBatches;
 
 namespace {
 
@@ -83,151 +86,106 @@ const Inputs& GetInputs() {
     return inputs;
 }
 
-void Items(benchmark::State& state) { state.SetItemsProcessed(state.iterations() * kBatch); }
-
 // --- Decimal text -------------------------------------------------------------------------
 
 void BM_DecimalParse(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& text : in.decimalTexts) {
-            CDecimal value(text);
-            benchmark::DoNotOptimize(value);
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().decimalTexts, [](const auto& text) {
+        CDecimal value(text);
+        benchmark::DoNotOptimize(value);
+    });
 }
 BENCHMARK(BM_DecimalParse);
 
 void BM_DecimalParse_Strtod(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& text : in.decimalTexts) {
-            benchmark::DoNotOptimize(std::strtod(text.c_str(), nullptr));
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().decimalTexts, [](const auto& text) {
+        benchmark::DoNotOptimize(std::strtod(text.c_str(), nullptr));
+    });
 }
 BENCHMARK(BM_DecimalParse_Strtod);
 
-void BM_DecimalParse_FromChars(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& text : in.decimalTexts) {
-            double d = 0;
-            std::from_chars(text.data(), text.data() + text.size(), d);
-            benchmark::DoNotOptimize(d);
-        }
-    }
-    Items(state);
+// std::from_chars into a double: the baseline of decimal parsing and of decimal to double.
+void DoublesFromChars(benchmark::State& state) {
+    RunBatches(state, GetInputs().decimalTexts, [](const std::string& text) {
+        double d = 0;
+        std::from_chars(text.data(), text.data() + text.size(), d);
+        benchmark::DoNotOptimize(d);
+    });
 }
+
+void BM_DecimalParse_FromChars(benchmark::State& state) { DoublesFromChars(state); }
 BENCHMARK(BM_DecimalParse_FromChars);
 
 // The double type's own conversions (r8), against strtod and snprintf.
 void BM_DoubleParse(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& text : in.decimalTexts) {
-            benchmark::DoNotOptimize(CConversions::r8FromString(text, CWhitespaceUtils::WhitespaceRule_Collapse));
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().decimalTexts, [](const auto& text) {
+        benchmark::DoNotOptimize(CConversions::r8FromString(text, CWhitespaceUtils::WhitespaceRule_Collapse));
+    });
 }
 BENCHMARK(BM_DoubleParse);
 
 void BM_DoublePrint(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (double d : in.doubles) benchmark::DoNotOptimize(CConversions::r8ToString(d));
-    }
-    Items(state);
+    RunBatches(state, GetInputs().doubles, [](const auto& d) {
+        benchmark::DoNotOptimize(CConversions::r8ToString(d));
+    });
 }
 BENCHMARK(BM_DoublePrint);
 
 void BM_DoublePrint_Snprintf(benchmark::State& state) {
-    const auto& in = GetInputs();
     char buffer[48];
-    for (auto _ : state) {
-        for (double d : in.doubles) {
-            benchmark::DoNotOptimize(std::snprintf(buffer, sizeof buffer, "%.17g", d));
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().doubles, [&](const auto& d) {
+        benchmark::DoNotOptimize(std::snprintf(buffer, sizeof buffer, "%.17g", d));
+    });
 }
 BENCHMARK(BM_DoublePrint_Snprintf);
 
 void BM_DecimalPrint(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& value : in.decimals) {
-            benchmark::DoNotOptimize(value.ToString());
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().decimals, [](const auto& value) {
+        benchmark::DoNotOptimize(value.ToString());
+    });
 }
 BENCHMARK(BM_DecimalPrint);
 
 void BM_DecimalPrint_ToChars(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const double d : in.doubles) {
-            char buffer[64];
-            const auto r = std::to_chars(buffer, buffer + sizeof buffer, d);
-            benchmark::DoNotOptimize(std::string(buffer, r.ptr));
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().doubles, [](const auto& d) {
+        char buffer[64];
+        const auto r = std::to_chars(buffer, buffer + sizeof buffer, d);
+        benchmark::DoNotOptimize(std::string(buffer, r.ptr));
+    });
 }
 BENCHMARK(BM_DecimalPrint_ToChars);
 
 // --- Integer text ---------------------------------------------------------------------------
 
 void BM_IntegerParse(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& text : in.integerTexts) {
-            CBigInteger value(text);
-            benchmark::DoNotOptimize(value);
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().integerTexts, [](const auto& text) {
+        CBigInteger value(text);
+        benchmark::DoNotOptimize(value);
+    });
 }
 BENCHMARK(BM_IntegerParse);
 
 void BM_IntegerParse_FromChars(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& text : in.integerTexts) {
-            std::int64_t v = 0;
-            std::from_chars(text.data(), text.data() + text.size(), v);
-            benchmark::DoNotOptimize(v);
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().integerTexts, [](const auto& text) {
+        std::int64_t v = 0;
+        std::from_chars(text.data(), text.data() + text.size(), v);
+        benchmark::DoNotOptimize(v);
+    });
 }
 BENCHMARK(BM_IntegerParse_FromChars);
 
 void BM_IntegerPrint(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& value : in.bigIntegers) {
-            benchmark::DoNotOptimize(value.ToString());
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().bigIntegers, [](const auto& value) {
+        benchmark::DoNotOptimize(value.ToString());
+    });
 }
 BENCHMARK(BM_IntegerPrint);
 
 void BM_IntegerPrint_ToChars(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const std::int64_t v : in.integers) {
-            char buffer[32];
-            const auto r = std::to_chars(buffer, buffer + sizeof buffer, v);
-            benchmark::DoNotOptimize(std::string(buffer, r.ptr));
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().integers, [](const std::int64_t v) {
+        char buffer[32];
+        const auto r = std::to_chars(buffer, buffer + sizeof buffer, v);
+        benchmark::DoNotOptimize(std::string(buffer, r.ptr));
+    });
 }
 BENCHMARK(BM_IntegerPrint_ToChars);
 
@@ -235,52 +193,30 @@ BENCHMARK(BM_IntegerPrint_ToChars);
 
 // CDecimal(double) prints 13 fixed fraction digits and parses them.
 void BM_DoubleToDecimal(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const double d : in.doubles) {
-            CDecimal value(d);
-            benchmark::DoNotOptimize(value);
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().doubles, [](const auto& d) {
+        CDecimal value(d);
+        benchmark::DoNotOptimize(value);
+    });
 }
 BENCHMARK(BM_DoubleToDecimal);
 
 void BM_DoubleToDecimal_ToCharsFixed13(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const double d : in.doubles) {
-            char buffer[400];
-            const auto r = std::to_chars(buffer, buffer + sizeof buffer, d, std::chars_format::fixed, 13);
-            benchmark::DoNotOptimize(std::string(buffer, r.ptr));
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().doubles, [](const auto& d) {
+        char buffer[400];
+        const auto r = std::to_chars(buffer, buffer + sizeof buffer, d, std::chars_format::fixed, 13);
+        benchmark::DoNotOptimize(std::string(buffer, r.ptr));
+    });
 }
 BENCHMARK(BM_DoubleToDecimal_ToCharsFixed13);
 
 void BM_DecimalToDouble(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& value : in.decimals) {
-            benchmark::DoNotOptimize(value.ToDouble());
-        }
-    }
-    Items(state);
+    RunBatches(state, GetInputs().decimals, [](const auto& value) {
+        benchmark::DoNotOptimize(value.ToDouble());
+    });
 }
 BENCHMARK(BM_DecimalToDouble);
 
-void BM_DecimalToDouble_FromChars(benchmark::State& state) {
-    const auto& in = GetInputs();
-    for (auto _ : state) {
-        for (const auto& text : in.decimalTexts) {
-            double d = 0;
-            std::from_chars(text.data(), text.data() + text.size(), d);
-            benchmark::DoNotOptimize(d);
-        }
-    }
-    Items(state);
-}
+void BM_DecimalToDouble_FromChars(benchmark::State& state) { DoublesFromChars(state); }
 BENCHMARK(BM_DecimalToDouble_FromChars);
 
 // --- 1,000-digit arithmetic ---------------------------------------------------------------------

@@ -9,35 +9,16 @@
 #include <qmxml/qmxml.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
-#include <unistd.h>
+#include "bench_support.h"
 
 using namespace QmXmlLib10;
-using Clock = std::chrono::steady_clock;
 
 namespace {
-
-std::string MakeOrderBook(double megabytes) {
-    const long orders = std::max(1L, static_cast<long>(megabytes * 1e6 / 1120));
-    const std::string path = "/tmp/qmxml_write_bench_" + std::to_string(getpid()) + ".xml";
-    const std::string command =
-        std::string("python3 ") + QMXML_BENCH_DIR + "/gen_orders.py " + std::to_string(orders) + " " + path;
-    if (std::system(command.c_str()) != 0) {
-        std::fprintf(stderr, "failed: %s\n", command.c_str());
-        std::exit(1);
-    }
-    std::ifstream in(path, std::ios::binary);
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    std::remove(path.c_str());
-    return text;
-}
 
 // The same walk as the library's, with libxml2 as the writer.
 void WriteWithLibxml2(const CElement* root, std::size_t& size) {
@@ -85,20 +66,20 @@ void WriteWithLibxml2(const CElement* root, std::size_t& size) {
 
 int main(int argc, char** argv) {
     const double megabytes = argc > 1 ? std::atof(argv[1]) : 50.0;
-    std::string input = MakeOrderBook(megabytes);
+    std::string input;
+    std::string command;
+    if (!bench::GenerateOrderBook(std::max(1L, static_cast<long>(megabytes * 1e6 / 1120)), input, &command)) {
+        std::fprintf(stderr, "failed: %s\n", command.c_str());
+        return 1;
+    }
     CSmartPtr<CElement> document = new CElement();
     document->FromXmlStream(reinterpret_cast<unsigned char*>(&input[0]), static_cast<std::uint32_t>(input.size()));
 
     double bestQm = 1e9, bestXml = 1e9;
     std::size_t qmSize = 0, xmlSize = 0;
     for (int run = 0; run < 5; ++run) {
-        auto t0 = Clock::now();
-        qmSize = document->ToXml(true, true, EOLType_LF).size();
-        auto t1 = Clock::now();
-        WriteWithLibxml2(document, xmlSize);
-        auto t2 = Clock::now();
-        bestQm = std::min(bestQm, std::chrono::duration<double>(t1 - t0).count());
-        bestXml = std::min(bestXml, std::chrono::duration<double>(t2 - t1).count());
+        bench::TimeBest(bestQm, [&] { qmSize = document->ToXml(true, true, EOLType_LF).size(); });
+        bench::TimeBest(bestXml, [&] { WriteWithLibxml2(document, xmlSize); });
     }
     const double mb = static_cast<double>(input.size()) / 1e6;
     std::printf("document:            %.1f MB\n", mb);

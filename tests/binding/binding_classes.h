@@ -9,6 +9,8 @@
 #include <qmxml/metadata/parent_element_info.h>
 #include <qmxml/qmxml.h>
 
+#include "expect_throw.h"
+
 #include <optional>
 #include <string>
 
@@ -634,16 +636,7 @@ inline CSmartPtr<CXmlObjectBase> CreateObject(int classIndex, const char*) {
     }
 }
 
-// Runs f, expecting a CQmException; returns its full message.
-template <class F>
-std::string FailureOf(F f) {
-    try {
-        f();
-    } catch (const CQmException& e) {
-        return e.GetFullMessage();
-    }
-    return "<no exception>";
-}
+using qmxml_test::FailureOf;
 
 inline const std::string kXsi = " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"";
 

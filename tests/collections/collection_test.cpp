@@ -1,31 +1,22 @@
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include <qmxml/collections/wildcards.h>
 #include <qmxml/dom/xml_document.h>
 #include <qmxml/dom/xml_tree_builder.h>
 #include <qmxml/writer/xml_writer.h>
 
+#include "expect_throw.h"
 #include "test_objects.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::MessageOf;
 using qmxml_test::RecordingSink;
+using qmxml_test::SilentWriter;
 using qmxml_test::TestCol;
 using qmxml_test::TestObject;
 using Msg = IEventSink::MsgType;
 
 namespace {
-
-template <class E>
-std::string MessageOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const E& e) {
-        return e.GetMessage();
-    }
-    return "<no exception>";
-}
 
 CSmartPtr<TestObject> Obj(const char* name) { return new TestObject(name); }
 
@@ -166,19 +157,12 @@ TEST(Collection, TargetNamespaceIsALogicError) {
 }
 
 namespace {
-class AttributeWriter : public CXmlWriter {
+class AttributeWriter : public SilentWriter {
 public:
-    AttributeWriter() : CXmlWriter("AttributeWriter") {}
-    void StartDocument() override {}
-    void WriteComment(const char*) override {}
-    void WriteRawLine(const char*) override {}
-    void WriteRaw(const char*) override {}
-    void WriteText(const char*, ItemType) override {}
+    AttributeWriter() : SilentWriter("AttributeWriter") {}
     void WriteAttribute(const char* name, const char* ns, const char* value, ItemType) override {
         written += std::string("{") + ns + "}" + name + "=" + value + ";";
     }
-    void WriteTypeAttribute(const char*) override {}
-    void WriteNilAttribute() override {}
     std::string written;
 };
 

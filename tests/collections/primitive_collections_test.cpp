@@ -4,23 +4,16 @@
 
 #include <string>
 
+#include "expect_throw.h"
 #include "test_objects.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::MessageOf;
 using qmxml_test::RecordingSink;
+using qmxml_test::SilentWriter;
 using Rule = CWhitespaceUtils::WhitespaceRule;
 
 namespace {
-
-template <class E, class F>
-std::string MessageOf(F f) {
-    try {
-        f();
-    } catch (const E& e) {
-        return e.GetMessage();
-    }
-    return "<no exception>";
-}
 
 // Exposes the protected reading and writing of a collection.
 template <class Col>
@@ -31,13 +24,9 @@ public:
     using Col::ToXml_Int;
 };
 
-class TextWriter : public CXmlWriter {
+class TextWriter : public SilentWriter {
 public:
-    TextWriter() : CXmlWriter("TextWriter") {}
-    void StartDocument() override {}
-    void WriteComment(const char*) override {}
-    void WriteRawLine(const char*) override {}
-    void WriteRaw(const char*) override {}
+    TextWriter() : SilentWriter("TextWriter") {}
     void StartElement(const char* name, const char* ns) override {
         CXmlWriter::StartElement(name, ns);
         out += std::string("<") + name + "{" + ns + "}>";
@@ -50,9 +39,6 @@ public:
         CXmlWriter::EndElement();
         out += "</>";
     }
-    void WriteAttribute(const char*, const char*, const char*, ItemType) override {}
-    void WriteTypeAttribute(const char*) override {}
-    void WriteNilAttribute() override {}
     std::string out, types;
 };
 

@@ -2,13 +2,15 @@
 
 #include <qmxml/qmxml.h>
 
-#include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <string>
-#include <unistd.h>
+
+#include "expect_throw.h"
+#include "temp_files.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::MessageOf;
+using qmxml_test::ReadFile;
 
 namespace {
 
@@ -22,27 +24,8 @@ const char* kDocument =
     "\t<Empty/>\n"
     "</Orders>\n";
 
-std::string TempPath(const char* name) {
-    return testing::TempDir() + "qmxml_entry_" + std::to_string(getpid()) + "_" + name;
-}
-
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
 std::string AsString(const CBinaryData& data) {
     return std::string(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
-}
-
-template <class E, class F>
-std::string MessageOf(F f) {
-    try {
-        f();
-    } catch (const E& e) {
-        return e.GetMessage();
-    }
-    return "<no exception>";
 }
 
 }  // namespace
@@ -85,8 +68,8 @@ TEST(EntryPoints, StreamsCompressionAndFiles) {
     fromUtf16->FromXmlStream(utf16);
     EXPECT_EQ(fromUtf16->ToXml(true, true, EOLType_LF), kDocument);
 
-    const std::string zlibFile = TempPath("zlib.xml");
-    std::remove(zlibFile.c_str());
+    const qmxml_test::TempDir dir;
+    const std::string zlibFile = dir.File("zlib.xml");
     EXPECT_EQ(MessageOf<CQmException>([&] {
                   e->ToXmlFile(zlibFile.c_str(), true, true, XmlEncoding_UTF8, EOLType_LF,
                                CXmlSerializationContext::m_defaultContext, CompressionType_ZLib);
@@ -94,7 +77,7 @@ TEST(EntryPoints, StreamsCompressionAndFiles) {
               "ZLIB Compression only available for To Stream methods.");
     EXPECT_FALSE(std::ifstream(zlibFile).good());
 
-    const std::string gzFile = TempPath("doc.xml.gz");
+    const std::string gzFile = dir.File("doc.xml.gz");
     e->ToXmlFile(gzFile.c_str(), true, true, XmlEncoding_UTF8, EOLType_LF, CXmlSerializationContext::m_defaultContext,
                  CompressionType_GZip);
     const std::string gz = ReadFile(gzFile);
@@ -103,10 +86,9 @@ TEST(EntryPoints, StreamsCompressionAndFiles) {
     CSmartPtr<CElement> fromGz = new CElement();
     fromGz->FromXmlFile(gzFile.c_str());
     EXPECT_EQ(fromGz->ToXml(true, true, EOLType_LF), kDocument);
-    std::remove(gzFile.c_str());
 
-    const std::string syncFile = TempPath("sync.xml");
-    const std::string asyncFile = TempPath("async.xml");
+    const std::string syncFile = dir.File("sync.xml");
+    const std::string asyncFile = dir.File("async.xml");
     e->ToXmlFile(syncFile.c_str(), true, true, XmlEncoding_UTF16, EOLType_CRLF);
     AsyncToXmlFile(true);
     e->ToXmlFile(asyncFile.c_str(), true, true, XmlEncoding_UTF16, EOLType_CRLF);
@@ -114,10 +96,8 @@ TEST(EntryPoints, StreamsCompressionAndFiles) {
     const std::string expected = AsString(e->ToXmlStream(true, true, XmlEncoding_UTF16, EOLType_CRLF));
     EXPECT_EQ(ReadFile(syncFile), expected);
     EXPECT_EQ(ReadFile(asyncFile), expected);
-    std::remove(syncFile.c_str());
-    std::remove(asyncFile.c_str());
 
-    const std::string missingDir = TempPath("no/such/dir.xml");
+    const std::string missingDir = dir.File("no/such/dir.xml");
     EXPECT_EQ(MessageOf<CQmException>([&] { e->ToXmlFile(missingDir.c_str()); }),
               "Failed to write data to the file [" + missingDir + "] error [0x00000002]");
 }

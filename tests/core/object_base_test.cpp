@@ -6,8 +6,10 @@
 #include <thread>
 
 #include "test_objects.h"
+#include "expect_throw.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::ExpectMessage;
 using qmxml_test::TestCol;
 using qmxml_test::TestObject;
 
@@ -103,13 +105,9 @@ TEST(ObjectBase, NamespaceWildcards) {
     EXPECT_FALSE(o.IsNamespaceValid("urn:a", "", "urn:a"));
 
     EXPECT_NO_THROW(o.TestNamespace("", "##local", "urn:a"));
-    try {
-        o.TestNamespace("urn:a", "##other", "urn:a");
-        FAIL() << "no exception";
-    } catch (const CQmInvalidNamespaceException& e) {
-        EXPECT_EQ(e.GetMessage(),
-                  "Invalid namespace [urn:a]. The namespace must be one of [##other] where the target namespace is [urn:a]");
-    }
+    ExpectMessage<CQmInvalidNamespaceException>(
+        [&] { o.TestNamespace("urn:a", "##other", "urn:a"); },
+        "Invalid namespace [urn:a]. The namespace must be one of [##other] where the target namespace is [urn:a]");
 }
 
 TEST(ObjectBase, ElementNameMatching) {
@@ -131,36 +129,24 @@ TEST(ObjectBase, ElementNameMatching) {
 }
 
 TEST(ObjectBase, PropertyChecks) {
-    try {
-        TestObject::Throw_IfPropertyIsNull(nullptr, "Customer");
-        FAIL() << "no exception";
-    } catch (const CQmInvalidParamException& e) {
-        EXPECT_EQ(e.GetMessage(), "The Property [Customer] is mandatory, it may node be NULL");
-    }
+    ExpectMessage<CQmInvalidParamException>([&] { TestObject::Throw_IfPropertyIsNull(nullptr, "Customer"); },
+                                            "The Property [Customer] is mandatory, it may node be NULL");
     TestObject named("Card");
     EXPECT_NO_THROW(TestObject::Throw_IfPropertyIsNull(&named, "Card"));
     EXPECT_NO_THROW(TestObject::Throw_IfElementNameDiffers(&named, "Card"));
     EXPECT_NO_THROW(TestObject::Throw_IfElementNameDiffers(nullptr, "Card"));
-    try {
-        TestObject::Throw_IfElementNameDiffers(&named, "Invoice");
-        FAIL() << "no exception";
-    } catch (const CQmInvalidParamException& e) {
-        EXPECT_EQ(e.GetMessage(),
-                  "This property requrires an element with the name Invoice the element being set has the element name Card");
-    }
+    ExpectMessage<CQmInvalidParamException>(
+        [&] { TestObject::Throw_IfElementNameDiffers(&named, "Invoice"); },
+        "This property requrires an element with the name Invoice the element being set has the element name Card");
 }
 
 TEST(ObjectBase, ChoiceBookkeeping) {
     std::string selected;
     TestObject::Choice_SetElementValid(true, "Card", selected);
     EXPECT_EQ(selected, "Card");
-    try {
-        TestObject::Choice_SetElementValid(true, "Invoice", selected);
-        FAIL() << "no exception";
-    } catch (const CQmInvalidStateException& e) {
-        EXPECT_EQ(e.GetMessage(),
-                  "The Property Card is already set. Only one element within this class bay be set at a time");
-    }
+    ExpectMessage<CQmInvalidStateException>(
+        [&] { TestObject::Choice_SetElementValid(true, "Invoice", selected); },
+        "The Property Card is already set. Only one element within this class bay be set at a time");
     EXPECT_EQ(selected, "Card");
     // Setting the selected member again counts as a second member too.
     EXPECT_THROW(TestObject::Choice_SetElementValid(true, "Card", selected), CQmInvalidStateException);
@@ -174,13 +160,9 @@ TEST(ObjectBase, ChoiceBookkeeping) {
     selected.clear();
     TestObject::Choice_SelectElement("Card", &value, selected);
     EXPECT_EQ(selected, "Card");
-    try {
-        TestObject::Choice_SelectElement("Invoice", &value, selected);
-        FAIL() << "no exception";
-    } catch (const CQmInvalidStateException& e) {
-        EXPECT_EQ(e.GetMessage(),
-                  "The Property [Card] is already set. Only one element within this class bay be set at a time");
-    }
+    ExpectMessage<CQmInvalidStateException>(
+        [&] { TestObject::Choice_SelectElement("Invoice", &value, selected); },
+        "The Property [Card] is already set. Only one element within this class bay be set at a time");
     TestObject::Choice_SelectElement("Card", nullptr, selected);
     EXPECT_EQ(selected, "");
 

@@ -2,58 +2,21 @@
 
 #include <qmxml/qmxml.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
-#include <vector>
+
+#include "same_tree.h"
+#include "temp_files.h"
 
 using namespace QmXmlLib10;
 
 namespace {
 
-bool IsIndentation(const CXmlElement* e) {
-    if (e->GetFirstElement() == nullptr) return false;
-    for (char c : e->GetText()) {
-        if (c != ' ' && c != '\t' && c != '\n') return false;
-    }
-    return true;
-}
-
-// Compares names, namespaces, attributes, text and child order; indentation
-// around child elements is not data.
+// Indentation around child elements is not data.
 ::testing::AssertionResult SameTree(const CXmlElement* a, const CXmlElement* b) {
-    std::vector<std::pair<const CXmlElement*, const CXmlElement*>> stack{{a, b}};
-    while (!stack.empty()) {
-        auto [x, y] = stack.back();
-        stack.pop_back();
-        if (x->GetLocalName() != y->GetLocalName() || x->GetNamespaceURI() != y->GetNamespaceURI()) {
-            return ::testing::AssertionFailure() << "name " << x->GetLocalName() << " vs " << y->GetLocalName();
-        }
-        if (!(IsIndentation(x) && IsIndentation(y)) && x->GetText() != y->GetText()) {
-            return ::testing::AssertionFailure() << "text of " << x->GetLocalName() << ": [" << x->GetText()
-                                                 << "] vs [" << y->GetText() << "]";
-        }
-        const auto& ax = x->GetAttributes();
-        const auto& ay = y->GetAttributes();
-        if (ax.size() != ay.size()) return ::testing::AssertionFailure() << "attribute count of " << x->GetLocalName();
-        for (size_t i = 0; i < ax.size(); ++i) {
-            if (ax[i]->GetLocalName() != ay[i]->GetLocalName() || ax[i]->GetNamespaceURI() != ay[i]->GetNamespaceURI() ||
-                ax[i]->GetValue() != ay[i]->GetValue()) {
-                return ::testing::AssertionFailure() << "attribute " << ax[i]->GetLocalName();
-            }
-        }
-        const CXmlElement* cx = x->GetFirstElement();
-        const CXmlElement* cy = y->GetFirstElement();
-        for (; cx && cy; cx = cx->GetNextSiblingElement(), cy = cy->GetNextSiblingElement()) stack.push_back({cx, cy});
-        if (cx || cy) return ::testing::AssertionFailure() << "child count of " << x->GetLocalName();
-    }
-    return ::testing::AssertionSuccess();
+    return qmxml_test::SameTree(a, b, qmxml_test::TreeText::IgnoreIndentation);
 }
 
-std::string ReadOrderBook() {
-    std::ifstream in(std::string(QMXML_SOURCE_DIR) + "/examples/data/orders.xml", std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
+std::string ReadOrderBook() { return qmxml_test::ReadFile(QMXML_SOURCE_DIR "/examples/data/orders.xml"); }
 
 }  // namespace
 

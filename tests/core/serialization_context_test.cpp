@@ -3,8 +3,10 @@
 #include <qmxml/collections/wildcards.h>
 #include <qmxml/core/exception.h>
 #include <qmxml/core/serialization_context.h>
+#include "expect_throw.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::ExpectMessage;
 
 namespace {
 const char* kUnknownThenMissing =
@@ -39,23 +41,13 @@ TEST(SerializationContext, Defaults) {
 TEST(SerializationContext, UnknownAndMissingCannotBothBeIgnored) {
     CXmlSerializationContext ctx;
     ctx.SetIgnoreMissingMandatoryElements(true);
-    try {
-        ctx.SetIgnoreUnknownElements(true);
-        FAIL() << "no exception";
-    } catch (const CQmInvalidStateException& e) {
-        EXPECT_EQ(e.GetMessage(), kUnknownThenMissing);
-    }
+    ExpectMessage<CQmInvalidStateException>([&] { ctx.SetIgnoreUnknownElements(true); }, kUnknownThenMissing);
     EXPECT_FALSE(ctx.GetIgnoreUnknownElements());
     EXPECT_NO_THROW(ctx.SetIgnoreUnknownElements(false));
     ctx.SetIgnoreMissingMandatoryElements(false);
     ctx.SetIgnoreUnknownElements(true);
     EXPECT_TRUE(ctx.GetIgnoreUnknownElements());
-    try {
-        ctx.SetIgnoreMissingMandatoryElements(true);
-        FAIL() << "no exception";
-    } catch (const CQmInvalidStateException& e) {
-        EXPECT_EQ(e.GetMessage(), kMissingThenUnknown);
-    }
+    ExpectMessage<CQmInvalidStateException>([&] { ctx.SetIgnoreMissingMandatoryElements(true); }, kMissingThenUnknown);
     EXPECT_FALSE(ctx.GetIgnoreMissingMandatoryElements());
     EXPECT_NO_THROW(ctx.SetIgnoreMissingMandatoryElements(false));
 }

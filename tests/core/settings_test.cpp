@@ -3,8 +3,10 @@
 #include <qmxml/qmxml.h>
 
 #include "platform/charset.h"
+#include "expect_throw.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::ExpectMessage;
 
 namespace {
 // Restores the library-wide switches whatever a test did.
@@ -40,12 +42,7 @@ TEST(Settings, DefaultsAndCodePages) {
     for (unsigned cp : {1250u, 1252u, 1258u, 28591u, 28599u, 20127u, 0u, 3u, 65001u}) {
         EXPECT_NO_THROW(SetLocalCharEncoding(cp)) << cp;
     }
-    try {
-        SetLocalCharEncoding(12345);
-        FAIL() << "no exception";
-    } catch (const CQmInvalidParamException& e) {
-        EXPECT_EQ(e.GetMessage(), "Unsupported code page [12345]");
-    }
+    ExpectMessage<CQmInvalidParamException>([&] { SetLocalCharEncoding(12345); }, "Unsupported code page [12345]");
     EXPECT_EQ(GetLocalCharEncoding(), 65001u);
 }
 

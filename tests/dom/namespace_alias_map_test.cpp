@@ -4,8 +4,10 @@
 
 #include "qmxml/core/exception.h"
 #include "qmxml/dom/namespace_alias_map.h"
+#include "expect_throw.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::ExpectMessage;
 
 TEST(NamespaceAliasMapTest, AddReplacesTheAliasOfAUri) {
     CNamespaceAliasMap map;
@@ -37,12 +39,7 @@ TEST(NamespaceAliasMapTest, AddReplacesTheAliasOfAUri) {
 TEST(NamespaceAliasMapTest, UnknownAliasThrowsWithTheAlias) {
     CNamespaceAliasMap map;
     map.Add("p", "urn:p");
-    try {
-        map.GetNamespaceFromAlias("q");
-        FAIL() << "no exception";
-    } catch (const CQmException& e) {
-        EXPECT_EQ(e.GetMessage(), "Namespace alias [q] not found");
-    }
+    ExpectMessage<CQmException>([&] { map.GetNamespaceFromAlias("q"); }, "Namespace alias [q] not found");
 }
 
 TEST(NamespaceAliasMapTest, AliasLookupOfUnknownUriInsertsIt) {

@@ -4,24 +4,24 @@
 #include <zlib.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "dom/xml_document_loading.h"
+#include "expect_throw.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
 #include "qmxml/core/settings.h"
 #include "qmxml/dom/xml_tree_builder.h"
+#include "same_tree.h"
+#include "temp_files.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::MessageOf;
+using qmxml_test::SameTree;
+using qmxml_test::TempDir;
 
 namespace {
 
@@ -42,43 +42,12 @@ std::vector<unsigned char> Compress(const std::string& text, int windowBits) {
     return out;
 }
 
-template <typename Load>
-std::string ErrorOf(Load&& load) {
-    try {
-        load();
-    } catch (const CQmException& e) {
-        return e.GetMessage();
-    }
-    return "(no exception)";
-}
-
 std::string StreamError(CXmlDocument& doc, std::vector<unsigned char> bytes) {
-    return ErrorOf([&] { doc.LoadXmlStream(bytes.data(), static_cast<std::uint32_t>(bytes.size())); });
+    return MessageOf([&] { doc.LoadXmlStream(bytes.data(), static_cast<std::uint32_t>(bytes.size())); });
 }
 
 void LoadStream(CXmlDocument& doc, std::vector<unsigned char> bytes) {
     doc.LoadXmlStream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-}
-
-// Names, namespaces, attributes, text and children, compared recursively.
-void ExpectSameTree(const CXmlElement* a, const CXmlElement* b) {
-    ASSERT_NE(a, nullptr);
-    ASSERT_NE(b, nullptr);
-    ASSERT_EQ(a->GetLocalName(), b->GetLocalName());
-    ASSERT_EQ(a->GetNamespaceURI(), b->GetNamespaceURI());
-    ASSERT_EQ(a->GetText(), b->GetText()) << a->GetLocalName();
-    ASSERT_EQ(a->GetAttributes().size(), b->GetAttributes().size());
-    for (std::size_t i = 0; i < a->GetAttributes().size(); ++i) {
-        ASSERT_EQ(a->GetAttributes()[i]->GetLocalName(), b->GetAttributes()[i]->GetLocalName());
-        ASSERT_EQ(a->GetAttributes()[i]->GetNamespaceURI(), b->GetAttributes()[i]->GetNamespaceURI());
-        ASSERT_EQ(a->GetAttributes()[i]->GetValue(), b->GetAttributes()[i]->GetValue());
-    }
-    const CXmlElement* x = a->GetFirstElement();
-    const CXmlElement* y = b->GetFirstElement();
-    for (; x != nullptr && y != nullptr; x = x->GetNextSiblingElement(), y = y->GetNextSiblingElement())
-        ExpectSameTree(x, y);
-    ASSERT_EQ(x, nullptr);
-    ASSERT_EQ(y, nullptr);
 }
 
 std::size_t CountChildren(const CXmlElement* e) {
@@ -86,30 +55,6 @@ std::size_t CountChildren(const CXmlElement* e) {
     for (const CXmlElement* c = e->GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++n;
     return n;
 }
-
-// A fresh directory removed with its files at the end of the test.
-class TempDir {
-public:
-    TempDir() {
-        std::string pattern = testing::TempDir() + "qmxml_doc_XXXXXX";
-        m_path = mkdtemp(&pattern[0]);
-    }
-    ~TempDir() {
-        for (const std::string& file : m_files) std::remove(file.c_str());
-        rmdir(m_path.c_str());
-    }
-    std::string Write(const std::string& name, const std::string& contents) {
-        const std::string file = m_path + "/" + name;
-        std::ofstream(file, std::ios::binary) << contents;
-        m_files.push_back(file);
-        return file;
-    }
-    const std::string& Path() const { return m_path; }
-
-private:
-    std::string m_path;
-    std::vector<std::string> m_files;
-};
 
 // Restores the library-wide switches a test changes.
 struct SettingsGuard {
@@ -138,12 +83,12 @@ std::string LargeDocument() {
 
 TEST(XmlDocumentLoad, EmptyInputsAreRefusedOrFailInTheParser) {
     CXmlDocument doc;
-    EXPECT_EQ(ErrorOf([&] { doc.LoadXml(static_cast<const char*>("")); }), "XML String is empty!");
+    EXPECT_EQ(MessageOf([&] { doc.LoadXml(static_cast<const char*>("")); }), "XML String is empty!");
     unsigned char byte = '<';
-    EXPECT_EQ(ErrorOf([&] { doc.LoadXmlStream(&byte, 0); }), "XML Stream is empty!");
+    EXPECT_EQ(MessageOf([&] { doc.LoadXmlStream(&byte, 0); }), "XML Stream is empty!");
     // The UTF-16 buffer always holds its byte-order mark, so Expat sees it.
     const unsigned short empty16[] = {0};
-    EXPECT_EQ(ErrorOf([&] { doc.LoadXml(empty16); }), "no element found at line 1");
+    EXPECT_EQ(MessageOf([&] { doc.LoadXml(empty16); }), "no element found at line 1");
     EXPECT_EQ(doc.GetDocumentElement(), nullptr);
 }
 
@@ -320,13 +265,13 @@ TEST(XmlDocumentLoad, LoadedAttributesAndTextTakeTheirExactSize) {
 
 TEST(XmlDocumentLoad, MalformedInputReportsExpatMessageAndLine) {
     CXmlDocument doc;
-    EXPECT_EQ(ErrorOf([&] { doc.LoadXml("<a>\n<b>\n</a>"); }), "mismatched tag at line 3");
+    EXPECT_EQ(MessageOf([&] { doc.LoadXml("<a>\n<b>\n</a>"); }), "mismatched tag at line 3");
     // The partial tree stays until the next load.
     ASSERT_NE(doc.GetDocumentElement(), nullptr);
     EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement()->GetLocalName(), "b");
 
-    EXPECT_EQ(ErrorOf([&] { doc.LoadXml("<a>\xff\xfe</a>"); }), "not well-formed (invalid token) at line 1");
-    EXPECT_EQ(ErrorOf([&] { doc.LoadXml("<a>\xc3(</a>"); }), "not well-formed (invalid token) at line 1");
+    EXPECT_EQ(MessageOf([&] { doc.LoadXml("<a>\xff\xfe</a>"); }), "not well-formed (invalid token) at line 1");
+    EXPECT_EQ(MessageOf([&] { doc.LoadXml("<a>\xc3(</a>"); }), "not well-formed (invalid token) at line 1");
     EXPECT_EQ(StreamError(doc, Bytes("<a/><b/>")), "junk after document element at line 1");
     EXPECT_EQ(StreamError(doc, Bytes("  ")), "no element found at line 1");
 }
@@ -341,7 +286,7 @@ TEST(XmlDocumentLoad, TextIsConvertedToTheLocalEncoding) {
     EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "caf\xe9");
     EXPECT_EQ(doc.GetDocumentElement()->GetAttribute("a", ""), "\xe9");
     EXPECT_EQ(doc.GetDocumentElement()->GetText(), "\xe9t\xe9");
-    EXPECT_EQ(ErrorOf([&] { doc.LoadXml("<a>\xe6\x97\xa5</a>"); }),
+    EXPECT_EQ(MessageOf([&] { doc.LoadXml("<a>\xe6\x97\xa5</a>"); }),
               "The text can not be converted to the local character encoding [code page 28591]");
 
     ASCIIOnly(true);
@@ -358,8 +303,8 @@ TEST(XmlDocumentLoad, CompressedStreamsLoadLikePlainOnes) {
     LoadStream(plain, Bytes(xml));
     LoadStream(gzip, Compress(xml, 31));
     LoadStream(zlib, Compress(xml, 15));
-    ExpectSameTree(plain.GetDocumentElement(), gzip.GetDocumentElement());
-    ExpectSameTree(plain.GetDocumentElement(), zlib.GetDocumentElement());
+    EXPECT_TRUE(SameTree(plain.GetDocumentElement(), gzip.GetDocumentElement()));
+    EXPECT_TRUE(SameTree(plain.GetDocumentElement(), zlib.GetDocumentElement()));
     EXPECT_EQ(CountChildren(plain.GetDocumentElement()), 3000u);
     EXPECT_EQ(gzip.LookupNamespaceFromAlias("r"), "urn:r");
 }
@@ -454,8 +399,8 @@ TEST(XmlDocumentFile, SyncAndChunkedReadsBuildTheSameTree) {
     sync.Load(file.c_str());
     AsyncFromXmlFile(true);
     chunked.Load(file.c_str());
-    ExpectSameTree(fromStream.GetDocumentElement(), sync.GetDocumentElement());
-    ExpectSameTree(sync.GetDocumentElement(), chunked.GetDocumentElement());
+    EXPECT_TRUE(SameTree(fromStream.GetDocumentElement(), sync.GetDocumentElement()));
+    EXPECT_TRUE(SameTree(sync.GetDocumentElement(), chunked.GetDocumentElement()));
     EXPECT_EQ(chunked.LookupNamespaceFromAlias(""), "urn:d");
 
     // Exactly one chunk: the end of input still reaches the parser.
@@ -468,7 +413,7 @@ TEST(XmlDocumentFile, SyncAndChunkedReadsBuildTheSameTree) {
         CXmlDocument doc;
         doc.Load(exactFile.c_str());
         EXPECT_EQ(doc.GetDocumentElement()->GetText().size(), 0x20000u - 7);
-        EXPECT_EQ(ErrorOf([&] { doc.Load(openFile.c_str()); }), "no element found at line 1") << async;
+        EXPECT_EQ(MessageOf([&] { doc.Load(openFile.c_str()); }), "no element found at line 1") << async;
     }
 }
 
@@ -484,7 +429,7 @@ TEST(XmlDocumentFile, CompressedFilesInflateOnTheSyncPathOnly) {
     EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement()->GetText(), "t");
 
     AsyncFromXmlFile(true);
-    EXPECT_EQ(ErrorOf([&] { doc.Load(file.c_str()); }), "not well-formed (invalid token) at line 1");
+    EXPECT_EQ(MessageOf([&] { doc.Load(file.c_str()); }), "not well-formed (invalid token) at line 1");
 }
 
 TEST(XmlDocumentFile, FileErrorsCarryNameAndErrno) {
@@ -495,11 +440,11 @@ TEST(XmlDocumentFile, FileErrorsCarryNameAndErrno) {
     for (bool async : {false, true}) {
         AsyncFromXmlFile(async);
         CXmlDocument doc;
-        EXPECT_EQ(ErrorOf([&] { doc.Load(empty.c_str()); }), "Invalid or empty XML document");
-        EXPECT_EQ(ErrorOf([&] { doc.Load(missing.c_str()); }),
+        EXPECT_EQ(MessageOf([&] { doc.Load(empty.c_str()); }), "Invalid or empty XML document");
+        EXPECT_EQ(MessageOf([&] { doc.Load(missing.c_str()); }),
                   "Failed to open the file [" + missing + "] Error [0x00000002]");
         // A directory opens but cannot be read (EISDIR).
-        EXPECT_EQ(ErrorOf([&] { doc.Load(dir.Path().c_str()); }),
+        EXPECT_EQ(MessageOf([&] { doc.Load(dir.Path().c_str()); }),
                   "Failed to read the contents of the file [" + dir.Path() + "] Error [0x00000015]");
     }
 }
@@ -592,9 +537,9 @@ TEST(XmlDocumentLoad, NodeMemoryOfAFreedDocumentServesTheNextLoad) {
     CXmlDocument second;
     LoadStream(second, Bytes(xml));
     EXPECT_LT(CXmlDocument::GetNodeCacheSize(), kept);
-    ExpectSameTree(first.GetDocumentElement(), second.GetDocumentElement());
+    EXPECT_TRUE(SameTree(first.GetDocumentElement(), second.GetDocumentElement()));
     LoadStream(second, Bytes(xml));
-    ExpectSameTree(first.GetDocumentElement(), second.GetDocumentElement());
+    EXPECT_TRUE(SameTree(first.GetDocumentElement(), second.GetDocumentElement()));
 
     CXmlDocument::SetNodeCacheLimit(0);  // gives everything back
     EXPECT_EQ(CXmlDocument::GetNodeCacheSize(), 0u);

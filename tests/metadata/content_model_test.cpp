@@ -1,20 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "bound_classes.h"
+#include "expect_throw.h"
 
 using namespace bound;
+using qmxml_test::FailureOf;
 
 namespace {
-
-template <class F>
-std::string FailureOf(F f) {
-    try {
-        f();
-    } catch (const CQmException& e) {
-        return e.GetFullMessage();
-    }
-    return "<no exception>";
-}
 
 const std::string kHead =
     "<Order xmlns=\"urn:t\"><Customer><Name>Ann</Name><Address><Street>S</Street><City>C</City></Address>"

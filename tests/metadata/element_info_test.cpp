@@ -1,20 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "bound_classes.h"
+#include "expect_throw.h"
 
 using namespace bound;
+using qmxml_test::FailureOf;
 
 namespace {
-
-template <class F>
-std::string FailureOf(F f) {
-    try {
-        f();
-    } catch (const CQmException& e) {
-        return e.GetFullMessage();
-    }
-    return "<no exception>";
-}
 
 // <Holder> with one member given by the test: an object slot and a collection slot.
 class Holder : public CXmlGeneratedClass {

@@ -1,21 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "bound_classes.h"
+#include "expect_throw.h"
 
 using namespace bound;
+using qmxml_test::FailureOf;
 
 namespace {
-
-// Runs f, expecting a CQmException; returns its full message.
-template <class F>
-std::string FailureOf(F f) {
-    try {
-        f();
-    } catch (const CQmException& e) {
-        return e.GetFullMessage();
-    }
-    return "<no exception>";
-}
 
 std::string Doc(const std::string& body, const std::string& attributes = "") {
     return "<Order xmlns=\"urn:t\"" + attributes + "><Customer><Name>Ann</Name><Address><Street>S</Street>"

@@ -5,24 +5,17 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <fstream>
 #include <regex>
-#include <sstream>
 #include <string>
 
 #include "orders.h"
+#include "temp_files.h"
 
 using namespace QmXmlLib10;
 using namespace orders;
+using qmxml_test::ReadFile;
 
 namespace {
-
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // Generated documents live in one temporary folder per test program.
 class GeneratedBooks : public ::testing::Test {

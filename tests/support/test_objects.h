@@ -84,4 +84,18 @@ public:
     std::vector<Event> events;
 };
 
+// A writer that drops everything; tests override what they want to see.
+class SilentWriter : public CXmlWriter {
+public:
+    explicit SilentWriter(const char* name) : CXmlWriter(name) {}
+    void StartDocument() override {}
+    void WriteComment(const char*) override {}
+    void WriteRawLine(const char*) override {}
+    void WriteRaw(const char*) override {}
+    void WriteText(const char*, ItemType) override {}
+    void WriteAttribute(const char*, const char*, const char*, ItemType) override {}
+    void WriteTypeAttribute(const char*) override {}
+    void WriteNilAttribute() override {}
+};
+
 }  // namespace qmxml_test

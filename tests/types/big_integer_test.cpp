@@ -10,22 +10,14 @@
 #include <qmxml/core/exception.h>
 #include <qmxml/types/decimal.h>
 
+#include "expect_throw.h"
+
 using namespace QmXmlLib10;
+using qmxml_test::ExpectInvalid;
 
 namespace {
 
 using BI = CBigInteger;
-
-template <typename Fn>
-void ExpectInvalid(Fn fn, const std::string& message) {
-    try {
-        fn();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const CQmException& e) {
-        EXPECT_EQ(typeid(CQmInvalidValueException), typeid(e)) << e.GetMessage();
-        EXPECT_EQ(message, e.GetMessage());
-    }
-}
 
 std::string Str(const BI& v) { return v.ToString(); }
 

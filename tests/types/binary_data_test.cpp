@@ -11,7 +11,10 @@
 
 #include <qmxml/core/exception.h>
 
+#include "expect_throw.h"
+
 using namespace QmXmlLib10;
+using qmxml_test::ExpectMessage;
 
 namespace {
 
@@ -21,16 +24,6 @@ public:
     using CBinaryData::ConvertToHexData;
     using CBinaryData::GetAsHexString;
 };
-
-template <typename Exception, typename Fn>
-void ExpectMessage(Fn fn, const std::string& message) {
-    try {
-        fn();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const Exception& e) {
-        EXPECT_EQ(message, e.GetMessage());
-    }
-}
 
 std::vector<unsigned char> Bytes(const CBinaryData& data) {
     return std::vector<unsigned char>(data.GetData(), data.GetData() + data.GetLength());

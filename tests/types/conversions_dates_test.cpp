@@ -8,29 +8,17 @@
 #include <qmxml/types/date_time.h>
 #include <qmxml/types/date_time_span.h>
 
+#include "conversion_cases.h"
+#include "expect_throw.h"
+
 using namespace QmXmlLib10;
 using namespace std::string_literals;
+using namespace qmxml_test;
 
 namespace {
 
 using C = CConversions;
 using DT = CDateTime;
-constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
-constexpr auto kReplace = CWhitespaceUtils::WhitespaceRule_Replace;
-constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
-
-template <typename Fn>
-void ExpectInvalid(Fn fn, const std::string& message) {
-    try {
-        fn();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const CQmInvalidValueException& e) {
-        EXPECT_EQ(message, e.GetMessage());
-    } catch (const CQmException& e) {
-        ADD_FAILURE() << "wrong exception class: " << e.GetMessage();
-    }
-}
-
 std::string DateExpected(const std::string& text, const char* shape) {
     return "Invalid XSD Date [" + text + "] expected " + shape + "[Z|[+|-]hh:mm]";
 }

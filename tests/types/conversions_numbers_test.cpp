@@ -9,31 +9,15 @@
 #include <qmxml/types/big_integer.h>
 #include <qmxml/types/decimal.h>
 
+#include "conversion_cases.h"
+#include "expect_throw.h"
+
 using namespace QmXmlLib10;
+using namespace qmxml_test;
 
 namespace {
 
 using C = CConversions;
-constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
-constexpr auto kReplace = CWhitespaceUtils::WhitespaceRule_Replace;
-constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
-
-template <typename Exception, typename Fn>
-void ExpectThrow(Fn fn, const std::string& message) {
-    try {
-        fn();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const CQmException& e) {
-        EXPECT_EQ(typeid(Exception), typeid(e)) << e.GetMessage();
-        EXPECT_EQ(message, e.GetMessage());
-    }
-}
-
-std::string InvalidChar(int position, const std::string& text) {
-    return "The string representing a Decimal, contained an invalid char at position " + std::to_string(position) +
-           " [" + text + "]";
-}
-
 TEST(ConversionsNumbersTest, DecimalFromStringAppliesTheRuleFirst) {
     EXPECT_EQ("1.5", C::decimalFromString("\t1.50\r\n", kCollapse).ToString());
     EXPECT_EQ("-150", C::decimalFromString("-1.5E2", kNone).ToString());

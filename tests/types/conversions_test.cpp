@@ -10,31 +10,16 @@
 
 #include <qmxml/core/exception.h>
 
+#include "conversion_cases.h"
+#include "expect_throw.h"
+
 using namespace QmXmlLib10;
 using namespace std::string_literals;
+using namespace qmxml_test;
 
 namespace {
 
 using C = CConversions;
-constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
-constexpr auto kPreserve = CWhitespaceUtils::WhitespaceRule_Preserve;
-constexpr auto kReplace = CWhitespaceUtils::WhitespaceRule_Replace;
-constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
-
-// Runs fn and checks that it throws exactly CQmInvalidValueException with the
-// given message.
-template <typename Fn>
-void ExpectInvalid(Fn fn, const std::string& message) {
-    try {
-        fn();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const CQmInvalidValueException& e) {
-        EXPECT_EQ(message, e.GetMessage());
-    } catch (const CQmException& e) {
-        ADD_FAILURE() << "wrong exception class: " << e.GetMessage();
-    }
-}
-
 std::string TooLarge(const std::string& value, const char* type) {
     return "The value [" + value + "] is to large to fit in a " + type;
 }

@@ -8,6 +8,8 @@
 
 #include <qmxml/core/exception.h>
 
+#include "expect_throw.h"
+
 using namespace QmXmlLib10;
 
 namespace {
@@ -139,13 +141,8 @@ TEST(DateTimeSpanTest, ConstructorsSettersAndSign) {
     s.SetNanoSeconds(10);
     EXPECT_EQ("P2Y3M4DT5H6M7.00800901S", s.ToString());
 
-    auto expectMessage = [](auto fn, const std::string& message) {
-        try {
-            fn();
-            ADD_FAILURE() << "no exception, expected: " << message;
-        } catch (const CQmInvalidValueException& e) {
-            EXPECT_EQ(message, e.GetMessage());
-        }
+    const auto expectMessage = [](auto fn, const std::string& message) {
+        qmxml_test::ExpectMessage<CQmInvalidValueException>(fn, message);
     };
     expectMessage([&] { s.SetMilliSeconds(1000); }, "Invalid Milli-Second [1000] (0 <= milli <= 999)");
     expectMessage([&] { s.SetMicroSeconds(1000); }, "Invalid Micro-Second [1000] (0 <= micro <= 999)");

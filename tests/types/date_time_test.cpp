@@ -12,32 +12,16 @@
 #include <qmxml/core/exception.h>
 #include <qmxml/types/date_time_span.h>
 
+#include "expect_throw.h"
 #include "types/date_calendar.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::ExpectInvalid;
+using qmxml_test::ExpectThrow;
 
 namespace {
 
 using DT = CDateTime;
-
-// Runs fn and checks that it throws exactly the exception class E with the
-// given message.
-template <typename E, typename Fn>
-void ExpectThrow(Fn fn, const std::string& message) {
-    try {
-        fn();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const E& e) {
-        EXPECT_EQ(message, e.GetMessage());
-    } catch (const CQmException& e) {
-        ADD_FAILURE() << "wrong exception class: " << e.GetMessage();
-    }
-}
-
-template <typename Fn>
-void ExpectInvalid(Fn fn, const std::string& message) {
-    ExpectThrow<CQmInvalidValueException>(fn, message);
-}
 
 template <typename Fn>
 void ExpectState(Fn fn, const std::string& message) {

@@ -10,29 +10,18 @@
 
 #include <qmxml/core/exception.h>
 
+#include "conversion_cases.h"
+#include "expect_throw.h"
+
 using namespace QmXmlLib10;
+using qmxml_test::ExpectThrow;
+using qmxml_test::InvalidChar;
 
 namespace {
 
 using D = CDecimal;
 
 std::string Str(const D& v) { return v.ToString(); }
-
-template <typename Exception, typename Fn>
-void ExpectThrow(Fn fn, const std::string& message) {
-    try {
-        fn();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const CQmException& e) {
-        EXPECT_EQ(typeid(Exception), typeid(e)) << e.GetMessage();
-        EXPECT_EQ(message, e.GetMessage());
-    }
-}
-
-std::string InvalidChar(int position, const std::string& text) {
-    return "The string representing a Decimal, contained an invalid char at position " + std::to_string(position) +
-           " [" + text + "]";
-}
 
 // Restores the library-wide setting whatever a test does.
 class MaxPlaces {

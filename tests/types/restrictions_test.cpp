@@ -13,25 +13,15 @@
 #include <qmxml/core/settings.h>
 #include <qmxml/types/variant.h>
 
+#include "expect_throw.h"
 #include "types/pattern_matcher.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::ExpectThrow;
 
 namespace {
 
 using R = CPrimitiveRestrictions;
-
-// Runs fn and checks that it throws exactly the class E with the given message.
-template <class E, class Fn>
-void ExpectThrow(Fn fn, const std::string& message) {
-    try {
-        fn();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const CQmException& e) {
-        EXPECT_EQ(typeid(E), typeid(e)) << e.GetMessage();
-        EXPECT_EQ(message, e.GetMessage());
-    }
-}
 
 R Bounds(const char* minInc, const char* maxInc, const char* minExc, const char* maxExc) {
     return R("", -1, -1, minInc, maxInc, minExc, maxExc, -1);

@@ -11,32 +11,22 @@
 #include <qmxml/core/exception.h>
 #include <qmxml/types/conversions.h>
 
+#include "conversion_cases.h"
+#include "expect_throw.h"
 #include "test_objects.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::ExpectThrow;
+using qmxml_test::kCollapse;
+using qmxml_test::kNone;
 
 namespace {
-
-constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
-constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
 // A CDateTime of the given date type.
 CDateTime Dt(const char* text, CDateTime::DTType type) {
     CDateTime value;
     value.ParseXSD(text, type);
     return value;
-}
-
-// Runs fn and checks that it throws exactly the class E with the given message.
-template <class E, class Fn>
-void ExpectThrow(Fn fn, const std::string& message) {
-    try {
-        fn();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const CQmException& e) {
-        EXPECT_EQ(typeid(E), typeid(e)) << e.GetMessage();
-        EXPECT_EQ(message, e.GetMessage());
-    }
 }
 
 TEST(QmVariantTest, ValidityAndNilFlag) {
@@ -202,12 +192,8 @@ TEST(QmVariantTest, FromStringAppliesTheRuleAndKeepsTheValueOnFailure) {
     EXPECT_EQ(" a ", v.GetString());
 
     v.SetNil();
-    try {
-        v.FromString("12 ", ItemType_i4, kNone);
-        ADD_FAILURE() << "no exception";
-    } catch (const CQmInvalidValueException& e) {
-        EXPECT_EQ("The value [12 ] can not be converted to a i4", e.GetMessage());
-    }
+    qmxml_test::ExpectMessage<CQmInvalidValueException>([&] { v.FromString("12 ", ItemType_i4, kNone); },
+                                                        "The value [12 ] can not be converted to a i4");
     EXPECT_TRUE(v.IsNil());
     EXPECT_EQ(ItemType_string, v.GetTypeAsEnum());
 

@@ -4,47 +4,18 @@
 #include <qmxml/writer/text_stream.h>
 #include <qmxml/writer/text_writer.h>
 
-#include <unistd.h>
-
-#include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <string>
 
+#include "expect_throw.h"
+#include "temp_files.h"
+
 using namespace QmXmlLib10;
+using qmxml_test::MessageOf;
+using qmxml_test::ReadFile;
+using qmxml_test::TempFile;
 
 namespace {
-
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-template <typename F>
-std::string MessageOf(F&& f) {
-    try {
-        f();
-    } catch (const CQmException& e) {
-        return e.GetMessage();
-    }
-    return "no exception";
-}
-
-// A temporary file name, removed at the end of the test.
-class TempFile {
-public:
-    TempFile() {
-        char name[] = "/tmp/qmxml_stream_XXXXXX";
-        const int fd = mkstemp(name);
-        if (fd >= 0) close(fd);
-        m_path = name;
-    }
-    ~TempFile() { std::remove(m_path.c_str()); }
-    const std::string& Path() const { return m_path; }
-
-private:
-    std::string m_path;
-};
 
 // A document big enough to pass through many flushes, with non-ASCII text.
 void WriteLargeDocument(CXmlTextWriter& w, int items) {

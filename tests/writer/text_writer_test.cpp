@@ -7,22 +7,15 @@
 #include <string>
 #include <vector>
 
+#include "expect_throw.h"
+
 using namespace QmXmlLib10;
+using qmxml_test::MessageOf;
 
 namespace {
 
 const char* const kXsi = "http://www.w3.org/2001/XMLSchema-instance";
 const char* const kXml = "http://www.w3.org/XML/1998/namespace";
-
-template <typename F>
-std::string MessageOf(F&& f) {
-    try {
-        f();
-    } catch (const CQmException& e) {
-        return e.GetMessage();
-    }
-    return "no exception";
-}
 
 // A writer over an in-memory stream.
 struct Doc {

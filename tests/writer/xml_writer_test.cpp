@@ -6,24 +6,20 @@
 #include <string>
 #include <vector>
 
+#include "expect_throw.h"
+#include "test_objects.h"
+
 using namespace QmXmlLib10;
 
 namespace {
 
 // Records calls and exposes the base's element contexts.
-class RecordingWriter : public CXmlWriter {
+class RecordingWriter : public qmxml_test::SilentWriter {
 public:
-    RecordingWriter() : CXmlWriter("RecordingWriter") {}
-    void StartDocument() override {}
-    void WriteComment(const char*) override {}
-    void WriteRawLine(const char*) override {}
-    void WriteRaw(const char*) override {}
-    void WriteText(const char*, ItemType) override {}
+    RecordingWriter() : SilentWriter("RecordingWriter") {}
     void WriteAttribute(const char* name, const char*, const char* value, ItemType) override {
         attributes.push_back(std::string(name) + "=" + value);
     }
-    void WriteTypeAttribute(const char*) override {}
-    void WriteNilAttribute() override {}
     using CXmlWriter::GetCurrentContext;
     std::vector<std::string> attributes;
 };
@@ -70,11 +66,6 @@ TEST(XmlWriterBase, EndingTheDocumentWithAnOpenElementThrows) {
     w.StartDocument();
     w.StartElement("root", "");
     w.StartElement("open", "");
-    try {
-        w.EndDocument();
-        FAIL() << "no exception";
-    } catch (const CQmException& e) {
-        EXPECT_EQ(e.GetMessage(), "An Element has not been closed.");
-    }
+    qmxml_test::ExpectMessage<CQmException>([&] { w.EndDocument(); }, "An Element has not been closed.");
     // Destroying a writer with open elements frees their contexts.
 }
