@@ -2,18 +2,113 @@
 // writer produces them. Internal to the library (the tests call them).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
 namespace QmXmlLib10 {
 namespace fi_layout {
 
-// Each appends to out; `high` holds the bits already set in the current
-// octet (those before the starting bit), the layout fills the rest.
-// Integers 1 to 2^20 (0 to 2^20 for the zero form) and lengths from 1.
+// Each writes at `out` and returns the position after what it wrote; `high`
+// holds the bits already set in the current octet (those before the starting
+// bit), the layout fills the rest. Integers 1 to 2^20 (0 to 2^20 for the zero
+// form) and lengths from 1. An integer takes at most 4 octets, a length 5.
+constexpr std::size_t MaxIntegerOctets = 4;
+constexpr std::size_t MaxLengthOctets = 5;
+
+inline unsigned char* Octet(unsigned char* out, unsigned int octet) {
+    *out = static_cast<unsigned char>(octet);
+    return out + 1;
+}
+
+inline unsigned char* BigEndian(unsigned char* out, std::uint32_t value, int octets) {
+    for (int i = octets - 1; i >= 0; --i) *out++ = static_cast<unsigned char>(value >> (8 * i));
+    return out;
+}
+
+inline unsigned char* IntegerBit2(unsigned char* out, unsigned char high, std::uint32_t value) {
+    if (value <= 64) return Octet(out, high | (value - 1));
+    if (value <= 8256) {
+        const std::uint32_t v = value - 65;
+        out = Octet(out, high | 0x40 | (v >> 8));
+        return Octet(out, v & 0xFF);
+    }
+    const std::uint32_t v = value - 8257;
+    out = Octet(out, high | 0x60 | ((v >> 16) & 0xFF));
+    return BigEndian(out, v, 2);
+}
+
+inline unsigned char* IntegerZeroBit2(unsigned char* out, unsigned char high, std::uint32_t value) {
+    return value == 0 ? Octet(out, high | 0x7F) : IntegerBit2(out, high, value);
+}
+
+// From 526369 the value is written less 526368, one less than the standard.
+inline unsigned char* IntegerBit3(unsigned char* out, unsigned char high, std::uint32_t value) {
+    if (value <= 32) return Octet(out, high | (value - 1));
+    if (value <= 2080) {
+        const std::uint32_t v = value - 33;
+        out = Octet(out, high | 0x20 | (v >> 8));
+        return Octet(out, v & 0xFF);
+    }
+    if (value <= 526368) {
+        const std::uint32_t v = value - 2081;
+        out = Octet(out, high | 0x28 | ((v >> 16) & 0xFF));
+        return BigEndian(out, v, 2);
+    }
+    // One less than the standard's offset: kept on purpose, the reader adds 526369.
+    out = Octet(out, high | 0x30);
+    return BigEndian(out, value - 526368, 3);
+}
+
+inline unsigned char* IntegerBit4(unsigned char* out, unsigned char high, std::uint32_t value) {
+    if (value <= 16) return Octet(out, high | (value - 1));
+    if (value <= 1040) {
+        const std::uint32_t v = value - 17;
+        out = Octet(out, high | 0x10 | (v >> 8));
+        return Octet(out, v & 0xFF);
+    }
+    if (value <= 263184) {
+        const std::uint32_t v = value - 1041;
+        out = Octet(out, high | 0x14 | ((v >> 16) & 0xFF));
+        return BigEndian(out, v, 2);
+    }
+    out = Octet(out, high | 0x18);
+    return BigEndian(out, value - 263185, 3);
+}
+
+inline unsigned char* LengthBit2(unsigned char* out, unsigned char high, std::uint32_t length) {
+    if (length <= 64) return Octet(out, high | (length - 1));
+    if (length <= 320) {
+        out = Octet(out, high | 0x40);
+        return Octet(out, length - 65);
+    }
+    out = Octet(out, high | 0x60);
+    return BigEndian(out, length - 321, 4);
+}
+
+inline unsigned char* LengthBit5(unsigned char* out, unsigned char high, std::uint32_t length) {
+    if (length <= 8) return Octet(out, high | (length - 1));
+    if (length <= 264) {
+        out = Octet(out, high | 0x08);
+        return Octet(out, length - 9);
+    }
+    out = Octet(out, high | 0x0C);
+    return BigEndian(out, length - 265, 4);
+}
+
+inline unsigned char* LengthBit7(unsigned char* out, unsigned char high, std::uint32_t length) {
+    if (length <= 2) return Octet(out, high | (length - 1));
+    if (length <= 258) {
+        out = Octet(out, high | 0x02);
+        return Octet(out, length - 3);
+    }
+    out = Octet(out, high | 0x03);
+    return BigEndian(out, length - 259, 4);
+}
+
+// The same layouts appended to a string.
 void IntegerBit2(std::string& out, unsigned char high, std::uint32_t value);
 void IntegerZeroBit2(std::string& out, unsigned char high, std::uint32_t value);
-// From 526369 the value is written less 526368, one less than the standard.
 void IntegerBit3(std::string& out, unsigned char high, std::uint32_t value);
 void IntegerBit4(std::string& out, unsigned char high, std::uint32_t value);
 void LengthBit2(std::string& out, unsigned char high, std::uint32_t length);

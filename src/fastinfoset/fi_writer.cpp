@@ -1,5 +1,10 @@
 #include "qmxml/fastinfoset/fi_writer.h"
 
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+
 #include "fastinfoset/fi_layouts.h"
 #include "platform/charset.h"
 #include "qmxml/core/exception.h"
@@ -23,6 +28,9 @@ const char* const kDeclarations[] = {
 
 inline const char* OrEmpty(const char* s) { return s ? s : ""; }
 
+using fi_layout::MaxIntegerOctets;
+using fi_layout::MaxLengthOctets;
+
 }  // namespace
 
 CFastInfosetWriter::CFastInfosetWriter(CBinaryData& output, const CFastInfosetContext& context,
@@ -38,18 +46,50 @@ CFastInfosetWriter::CFastInfosetWriter(CBinaryData& output, const CFastInfosetCo
       m_localIsUtf8(platform::LocalIsUtf8()) {
     for (std::uint32_t i = 0; i < CFastInfosetContext::EncodingTableSize; ++i) m_encodings[i] = context.GetEncoding(i);
     if (m_useGeneratedVocabulary) m_vocabulary = *context.GetVocabulary();
+    for (std::uint32_t i = 1; i <= m_vocabulary.GetElementNamesTable().GetCount(); ++i) IndexElementName(i);
 }
 
 CFastInfosetWriter::~CFastInfosetWriter() { Flush(); }
 
+void CFastInfosetWriter::COctetBuffer::Grow(std::size_t n) {
+    // Doubling keeps appending amortised constant; realloc may grow in place.
+    const std::size_t capacity = std::max({m_capacity * 2, m_size + n, std::size_t{4096}});
+    void* data = std::realloc(m_data, capacity);
+    if (data == nullptr) throw std::bad_alloc();
+    m_data = static_cast<unsigned char*>(data);
+    m_capacity = capacity;
+}
+
+void CFastInfosetWriter::COctetBuffer::Append(const void* octets, std::size_t n) {
+    if (n == 0) return;
+    std::memcpy(Reserve(n), octets, n);
+    m_size += n;
+}
+
+unsigned char* CFastInfosetWriter::COctetBuffer::Release() noexcept {
+    unsigned char* data = m_data;
+    if (data != nullptr && m_size > 0 && m_size < m_capacity) {
+        if (void* shrunk = std::realloc(data, m_size)) data = static_cast<unsigned char*>(shrunk);
+    }
+    m_data = nullptr;
+    m_size = m_capacity = 0;
+    return data;
+}
+
 void CFastInfosetWriter::Flush() noexcept {
-    if (m_out.empty()) return;
+    if (m_out.Size() == 0) return;
     try {
-        m_output.Append(reinterpret_cast<const unsigned char*>(m_out.data()), static_cast<std::uint32_t>(m_out.size()));
+        const std::size_t size = m_out.Size();
+        if (m_output.GetLength() == 0 && size <= std::numeric_limits<std::uint32_t>::max()) {
+            // Nothing to keep in the output: it takes the octets without a copy.
+            m_output = CBinaryData(m_out.Release(), static_cast<std::uint32_t>(size), true);
+        } else {
+            m_output.Append(m_out.Data(), static_cast<std::uint32_t>(size));
+        }
     } catch (...) {
         // Only reached from the destructor after another failure: the octets are lost.
     }
-    m_out.clear();
+    m_out.Clear();
 }
 
 // --- Document ------------------------------------------------------------------
@@ -58,8 +98,11 @@ void CFastInfosetWriter::StartDocument() {
     if (m_declaration < FInfoDecl_None || m_declaration > FInfoDecl_9) {
         throw CQmInvalidParamException(FormatString("Invalid Fast Infoset declaration [%d]", m_declaration));
     }
-    if (m_declaration != FInfoDecl_None) m_out += kDeclarations[m_declaration - 1];
-    m_out.append("\xE0\x00\x00\x01", 4);
+    if (m_declaration != FInfoDecl_None) {
+        const char* declaration = kDeclarations[m_declaration - 1];
+        m_out.Append(declaration, std::strlen(declaration));
+    }
+    m_out.Append("\xE0\x00\x00\x01", 4);
     if (!m_useGeneratedVocabulary) {
         Out(0x00);
         return;
@@ -71,8 +114,9 @@ void CFastInfosetWriter::StartDocument() {
     m_octets.clear();
     const std::string& uri = m_vocabularyURI.empty() ? std::string(DefaultVocabularyURI) : m_vocabularyURI;
     platform::LocalToUtf8(uri.data(), uri.size(), m_octets);
-    fi_layout::LengthBit2(m_out, 0x00, static_cast<std::uint32_t>(m_octets.size()));
-    m_out += m_octets;
+    const auto length = static_cast<std::uint32_t>(m_octets.size());
+    m_out.Commit(fi_layout::LengthBit2(m_out.Reserve(MaxLengthOctets), 0x00, length));
+    m_out.Append(m_octets.data(), m_octets.size());
 }
 
 void CFastInfosetWriter::EndDocument() {
@@ -82,13 +126,13 @@ void CFastInfosetWriter::EndDocument() {
     Flush();
 }
 
-void CFastInfosetWriter::WritePendingTerminator() {
+inline void CFastInfosetWriter::WritePendingTerminator() {
     if (!m_terminatorPending) return;
     Out(0xF0);
     m_terminatorPending = false;
 }
 
-CXmlWriter::CXmlWriterContext& CFastInfosetWriter::RequireContext() const {
+inline CXmlWriter::CXmlWriterContext& CFastInfosetWriter::RequireContext() const {
     CXmlWriterContext* context = GetCurrentContext();
     if (!context) throw CQmException("An Element has not been opened.");
     return *context;
@@ -119,28 +163,37 @@ void CFastInfosetWriter::StartElement(const char* localName, const char* namespa
     const std::string& uri = context.m_namespaceURI;
     m_defaultDeclaration = DefaultDeclaration::None;
     m_attributeCount = 0;
+    m_attributeText.clear();
+    // The default namespace may differ from the previous document's.
+    if (!parent) m_defaultNamespaceIndex = 0;
     if (uri.empty()) {
         // A root in no namespace leaves the default namespace undeclared.
         if (parent && context.m_inDefaultNamespace) m_defaultDeclaration = DefaultDeclaration::Undeclare;
         context.m_inDefaultNamespace = false;
+        m_startParts = NameParts{0, 0};
     } else if (context.m_inDefaultNamespace && uri == GetDefaultNamespace()) {
         // unprefixed
+        m_startParts = NameParts{0, DefaultNamespaceIndex()};
     } else if (parent && !parent->m_prefix.empty() && parent->m_namespaceURI == uri) {
         context.m_prefix = parent->m_prefix;
-    } else if (uri == XmlNamespaceURI) {
-        context.m_prefix = "xml";
-    } else if (const std::string* prefix = context.FindPrefix(uri); prefix) {
-        context.m_prefix = *prefix;
+        // The parent's start is complete, so its name's parts are known.
+        m_startParts = m_openElements[static_cast<std::size_t>(parent->m_depth)].parts;
     } else {
-        AllocatePrefix(context, context.m_prefix);
-        context.AddNamespace(uri, context.m_prefix);
+        if (uri == XmlNamespaceURI) {
+            context.m_prefix = "xml";
+        } else if (const std::string* prefix = context.FindPrefix(uri); prefix) {
+            context.m_prefix = *prefix;
+        } else {
+            AllocatePrefix(context, context.m_prefix);
+            context.AddNamespace(uri, context.m_prefix);
+        }
+        m_startParts = NameParts{Unresolved, Unresolved};
     }
     if (!parent && context.m_inDefaultNamespace) m_defaultDeclaration = DefaultDeclaration::Declare;
 }
 
-void CFastInfosetWriter::CompleteStart() {
-    CXmlWriterContext* context = GetCurrentContext();
-    if (!context || !context->m_startTagOpen) return;
+void CFastInfosetWriter::WriteStart(CXmlWriterContext& start) {
+    CXmlWriterContext* context = &start;
     context->m_startTagOpen = false;
     const bool hasAttributes = m_attributeCount > 0;
     const std::size_t declarations = context->GetOwnNamespaceCount();
@@ -161,32 +214,37 @@ void CFastInfosetWriter::CompleteStart() {
         Out(0xF0);
         high = 0x00;
     }
-    WriteElementName(high, context->m_prefix, context->m_namespaceURI, context->m_localName);
-    for (std::size_t i = 0; i < m_attributeCount; ++i) WriteAttribute(m_attributes[i]);
+    WriteElementName(high, *context);
+    const char* text = m_attributeText.data();
+    for (std::size_t i = 0; i < m_attributeCount; ++i) text = WriteAttribute(m_attributes[i], text);
     if (hasAttributes) Out(0xF0);
     m_attributeCount = 0;
+    m_attributeText.clear();
     m_defaultDeclaration = DefaultDeclaration::None;
 }
 
-void CFastInfosetWriter::WriteIdentifyingString(const std::string& value, NameTable table) {
+void CFastInfosetWriter::WriteIdentifyingString(std::string_view value, NameTable table) {
     if (value.empty()) throw CQmInvalidParamException("Failed to write FastInfoset. A name may not be empty.");
     std::uint32_t index = 0;
     const bool found = table == NameTable::Prefix      ? m_vocabulary.FindPrefixNameIndex(value, index)
                        : table == NameTable::Namespace ? m_vocabulary.FindNamespaceNameIndex(value, index)
                                                        : m_vocabulary.FindLocalNameIndex(value, index);
     if (found) {
-        fi_layout::IntegerBit2(m_out, 0x80, index);
+        m_out.Commit(fi_layout::IntegerBit2(m_out.Reserve(MaxIntegerOctets), 0x80, index));
         return;
     }
-    if (m_localIsUtf8) {
-        fi_layout::LengthBit2(m_out, 0x00, static_cast<std::uint32_t>(value.size()));
-        m_out += value;
-    } else {
+    const char* octets = value.data();
+    std::size_t length = value.size();
+    if (!m_localIsUtf8) {
         m_octets.clear();
         platform::LocalToUtf8(value.data(), value.size(), m_octets);
-        fi_layout::LengthBit2(m_out, 0x00, static_cast<std::uint32_t>(m_octets.size()));
-        m_out += m_octets;
+        octets = m_octets.data();
+        length = m_octets.size();
     }
+    unsigned char* out = fi_layout::LengthBit2(m_out.Reserve(MaxLengthOctets + length), 0x00,
+                                               static_cast<std::uint32_t>(length));
+    std::memcpy(out, octets, length);
+    m_out.Commit(out + length);
     switch (table) {
         case NameTable::Prefix:
             m_vocabulary.AddPrefixName(value);
@@ -200,55 +258,145 @@ void CFastInfosetWriter::WriteIdentifyingString(const std::string& value, NameTa
     }
 }
 
-void CFastInfosetWriter::WriteElementName(unsigned char high, const std::string& prefix, const std::string& uri,
-                                          const std::string& localName) {
-    std::uint32_t index = 0;
-    if (m_vocabulary.GetElementNamesTable().Find(prefix, uri, localName, index)) {
-        fi_layout::IntegerBit3(m_out, high, index);
-        return;
-    }
-    Out(high | 0x3C | (prefix.empty() ? 0 : 0x02) | (uri.empty() ? 0 : 0x01));
-    if (!prefix.empty()) WriteIdentifyingString(prefix, NameTable::Prefix);
-    if (!uri.empty()) WriteIdentifyingString(uri, NameTable::Namespace);
-    WriteIdentifyingString(localName, NameTable::Local);
-    m_vocabulary.AddElement(prefix, uri, localName);
+inline std::size_t CFastInfosetWriter::HashElementKey(NameParts parts, std::string_view localName) {
+    return fi_detail::HashBytes(localName) ^ ((std::size_t{parts.ns} << 20) + parts.prefix) * 0x9E3779B97F4A7C15ull;
 }
 
-void CFastInfosetWriter::WriteAttribute(const PendingAttribute& a) {
+// Mirrors element name `index` of the vocabulary in the writer's own index.
+void CFastInfosetWriter::IndexElementName(std::uint32_t index) {
+    const CQNameParts& parts = *m_vocabulary.GetElementNamesTable().GetAt(index);
+    const std::string& localName = *m_vocabulary.GetLocalNamesTable().GetAt(parts.localNameIndex);
+    const NameParts key{parts.prefixIndex, parts.namespaceIndex};
+    m_elementKeys.push_back(ElementKey{key, localName});
+    m_elementIndex.Insert(HashElementKey(key, localName), index);
+}
+
+inline bool CFastInfosetWriter::IsElementName(std::uint32_t index, NameParts parts, std::string_view localName) const {
+    const ElementKey& key = m_elementKeys[index - 1];
+    return key.parts.ns == parts.ns && key.parts.prefix == parts.prefix && fi_detail::EqualBytes(key.localName, localName);
+}
+
+inline std::uint32_t CFastInfosetWriter::FindElementName(NameParts parts, std::string_view localName) const {
+    return m_elementIndex.Find(HashElementKey(parts, localName),
+                               [&](std::uint32_t i) { return IsElementName(i, parts, localName); });
+}
+
+inline std::uint32_t CFastInfosetWriter::ResolvePrefix(std::string_view prefix) const {
     std::uint32_t index = 0;
-    if (m_vocabulary.GetAttributeNamesTable().Find(a.prefix, a.namespaceURI, a.localName, index)) {
-        fi_layout::IntegerBit2(m_out, 0x00, index);
-    } else {
-        Out(0x78 | (a.prefix.empty() ? 0 : 0x02) | (a.namespaceURI.empty() ? 0 : 0x01));
-        if (!a.prefix.empty()) WriteIdentifyingString(a.prefix, NameTable::Prefix);
-        if (!a.namespaceURI.empty()) WriteIdentifyingString(a.namespaceURI, NameTable::Namespace);
-        WriteIdentifyingString(a.localName, NameTable::Local);
-        m_vocabulary.AddAttribute(a.prefix, a.namespaceURI, a.localName);
+    if (prefix.empty()) return 0;
+    return m_vocabulary.FindPrefixNameIndex(prefix, index) ? index : Unresolved;
+}
+
+inline std::uint32_t CFastInfosetWriter::ResolveNamespace(std::string_view uri) const {
+    std::uint32_t index = 0;
+    if (uri.empty()) return 0;
+    return m_vocabulary.FindNamespaceNameIndex(uri, index) ? index : Unresolved;
+}
+
+inline std::uint32_t CFastInfosetWriter::DefaultNamespaceIndex() {
+    if (m_defaultNamespaceIndex == 0) {
+        const std::uint32_t index = ResolveNamespace(GetDefaultNamespace());
+        if (index == Unresolved) return Unresolved;
+        m_defaultNamespaceIndex = index;
     }
-    WriteAttributeValue(a.value, a.itemType);
+    return m_defaultNamespaceIndex;
+}
+
+inline void CFastInfosetWriter::WriteElementName(unsigned char high, const CXmlWriterContext& context) {
+    const std::string& prefix = context.m_prefix;
+    const std::string& uri = context.m_namespaceURI;
+    const std::string& localName = context.m_localName;
+    const auto depth = static_cast<std::size_t>(context.m_depth);
+    OpenElement* parent = depth > 0 ? &m_openElements[depth - 1] : nullptr;
+    NameParts parts = m_startParts;
+    if (parts.ns == Unresolved) parts.ns = ResolveNamespace(uri);
+    if (parts.prefix == Unresolved) parts.prefix = ResolvePrefix(prefix);
+    std::uint32_t index = 0;
+    if (parts.ns != Unresolved && parts.prefix != Unresolved) {
+        std::uint32_t guess = 0;
+        if (parent != nullptr) {
+            if (parent->lastChild != 0) {
+                guess = m_elementKeys[parent->lastChild - 1].nextSibling;
+            } else if (parent->index != 0) {
+                guess = m_elementKeys[parent->index - 1].firstChild;
+            }
+        }
+        index = guess != 0 && IsElementName(guess, parts, localName) ? guess : FindElementName(parts, localName);
+    }
+    if (index != 0) {
+        m_out.Commit(fi_layout::IntegerBit3(m_out.Reserve(MaxIntegerOctets), high, index));
+    } else {
+        Out(high | 0x3C | (prefix.empty() ? 0 : 0x02) | (uri.empty() ? 0 : 0x01));
+        if (!prefix.empty()) WriteIdentifyingString(prefix, NameTable::Prefix);
+        if (!uri.empty()) WriteIdentifyingString(uri, NameTable::Namespace);
+        WriteIdentifyingString(localName, NameTable::Local);
+        index = m_vocabulary.AddElement(prefix, uri, localName);
+        if (index != 0) IndexElementName(index);
+        // The parts are in their tables now, unless a table was full.
+        parts = NameParts{ResolvePrefix(prefix), ResolveNamespace(uri)};
+    }
+    if (parent != nullptr) {
+        if (parent->lastChild != 0) {
+            m_elementKeys[parent->lastChild - 1].nextSibling = index;
+        } else if (parent->index != 0) {
+            m_elementKeys[parent->index - 1].firstChild = index;
+        }
+        parent->lastChild = index;
+    }
+    if (m_openElements.size() <= depth) m_openElements.resize(depth + 1);
+    m_openElements[depth] = OpenElement{parts, index, 0};
+}
+
+inline const char* CFastInfosetWriter::WriteAttribute(const PendingAttribute& a, const char* text) {
+    const std::string_view prefix(text, a.prefixLength);
+    const std::string_view namespaceURI(prefix.data() + prefix.size(), a.namespaceLength);
+    const std::string_view localName(namespaceURI.data() + namespaceURI.size(), a.localNameLength);
+    // The value is followed by a zero, so its data is zero-terminated.
+    const std::string_view value(localName.data() + localName.size(), a.valueLength);
+    std::uint32_t index = 0;
+    if (m_vocabulary.GetAttributeNamesTable().Find(prefix, namespaceURI, localName, index)) {
+        m_out.Commit(fi_layout::IntegerBit2(m_out.Reserve(MaxIntegerOctets), 0x00, index));
+    } else {
+        Out(0x78 | (prefix.empty() ? 0 : 0x02) | (namespaceURI.empty() ? 0 : 0x01));
+        if (!prefix.empty()) WriteIdentifyingString(prefix, NameTable::Prefix);
+        if (!namespaceURI.empty()) WriteIdentifyingString(namespaceURI, NameTable::Namespace);
+        WriteIdentifyingString(localName, NameTable::Local);
+        m_vocabulary.AddAttribute(prefix, namespaceURI, localName);
+    }
+    WriteAttributeValue(value, a.itemType);
+    return value.data() + value.size() + 1;
 }
 
 void CFastInfosetWriter::WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                                         ItemType itemType) {
     CXmlWriterContext& context = RequireContext();
     if (!context.m_startTagOpen) throw CQmException("Attributes must be added before elements");
-    if (m_attributeCount == m_attributes.size()) m_attributes.emplace_back();
-    PendingAttribute& a = m_attributes[m_attributeCount];
-    a.localName.assign(OrEmpty(localName));
-    a.namespaceURI.assign(OrEmpty(namespaceURI));
-    a.value.assign(OrEmpty(value));
-    a.itemType = itemType;
-    a.prefix.clear();
-    if (!a.namespaceURI.empty()) {
-        if (a.namespaceURI == XmlNamespaceURI) {
-            a.prefix = "xml";
-        } else if (const std::string* prefix = context.FindPrefix(a.namespaceURI); prefix) {
-            a.prefix = *prefix;
-        } else {
-            AllocatePrefix(context, a.prefix);
-            context.AddNamespace(a.namespaceURI, a.prefix);
+    const std::string_view uri = OrEmpty(namespaceURI);
+    const std::string* prefix = nullptr;
+    if (!uri.empty()) {
+        if (uri == XmlNamespaceURI) {
+            static const std::string xml("xml");
+            prefix = &xml;
+        } else if (prefix = context.FindPrefix(uri); prefix == nullptr) {
+            AllocatePrefix(context, m_newPrefix);
+            context.AddNamespace(uri, m_newPrefix);
+            prefix = &m_newPrefix;
         }
     }
+    const std::string_view local = OrEmpty(localName);
+    const std::string_view text = OrEmpty(value);
+    if (m_attributeCount == m_attributes.size()) m_attributes.emplace_back();
+    PendingAttribute& a = m_attributes[m_attributeCount];
+    a.prefixLength = prefix != nullptr ? prefix->size() : 0;
+    a.namespaceLength = uri.size();
+    a.localNameLength = local.size();
+    a.valueLength = text.size();
+    a.itemType = itemType;
+    if (prefix != nullptr) m_attributeText += *prefix;
+    m_attributeText += uri;
+    m_attributeText += local;
+    m_attributeText += text;
+    m_attributeText += '\0';
     ++m_attributeCount;
 }
 
@@ -261,7 +409,6 @@ void CFastInfosetWriter::WriteText(const char* value, ItemType itemType) {
     RequireContext();
     CompleteStart();
     WritePendingTerminator();
-    m_octets.clear();
     WriteCharacterChunk(value, itemType);
 }
 
@@ -279,7 +426,7 @@ void CFastInfosetWriter::EndElement() {
 
 // --- Values --------------------------------------------------------------------
 
-void CFastInfosetWriter::AppendRestrictedAlphabetString(const std::string& alphabet, const std::string& value) {
+void CFastInfosetWriter::AppendRestrictedAlphabetString(const std::string& alphabet, std::string_view value) {
     const std::size_t size = alphabet.size();
     if (size < 2 || size > CFIVocabulary::MaxIndex) {
         throw CQmException(
@@ -311,11 +458,8 @@ void CFastInfosetWriter::AppendRestrictedAlphabetString(const std::string& alpha
     if (!highHalf) m_octets.back() = static_cast<char>(m_octets.back() | 0x0F);
 }
 
-void CFastInfosetWriter::EncodeValue(const std::string& value, ItemType itemType, bool bit5Placement,
-                                     unsigned& discriminant, std::uint32_t& tableIndex) {
-    const auto type = static_cast<std::uint32_t>(itemType);
-    const EncodedCharacterString encoding =
-        type < CFastInfosetContext::EncodingTableSize ? m_encodings[type] : EncodedCharacterString{};
+void CFastInfosetWriter::EncodeValue(std::string_view value, const EncodedCharacterString& encoding,
+                                     bool bit5Placement, unsigned& discriminant, std::uint32_t& tableIndex) {
     m_octets.clear();
     tableIndex = 0;
     switch (encoding.kind) {
@@ -339,7 +483,7 @@ void CFastInfosetWriter::EncodeValue(const std::string& value, ItemType itemType
                                                 static_cast<int>(encoding.index)));
             }
             CFastInfosetBinaryData data;
-            data.SetAsEncodedString(encoding.index, value.c_str());
+            data.SetAsEncodedString(encoding.index, value.data());
             // No octets (base64 text that does not decode) cannot be written as
             // algorithm data: the text goes out literally instead.
             if (data.GetLength() == 0) break;
@@ -359,56 +503,81 @@ void CFastInfosetWriter::EncodeValue(const std::string& value, ItemType itemType
     platform::LocalToUtf8(value.data(), value.size(), m_octets);
 }
 
-void CFastInfosetWriter::WriteAttributeValue(const std::string& value, ItemType itemType) {
+inline void CFastInfosetWriter::WriteAttributeValue(std::string_view value, ItemType itemType) {
     if (value.empty()) {
-        fi_layout::IntegerZeroBit2(m_out, 0x80, 0);  // the standard's index zero: the empty string
+        Out(0xFF);  // the standard's index zero, on the second bit: the empty string
         return;
     }
     const bool indexable = value.size() < m_attributeMaxAddLength;
+    const std::size_t hash = indexable ? CFIStringTable::Hash(value) : 0;
     std::uint32_t index = 0;
-    if (indexable && m_vocabulary.FindAttributeValueIndex(value, index)) {
-        fi_layout::IntegerBit2(m_out, 0x80, index);
+    if (indexable && m_vocabulary.m_attributeValues.Find(value, hash, index)) {
+        m_out.Commit(fi_layout::IntegerBit2(m_out.Reserve(MaxIntegerOctets), 0x80, index));
         return;
     }
     const bool add = indexable && m_vocabulary.GetAttributeValuesTable().GetCount() < CFIVocabulary::MaxIndex;
-    unsigned discriminant = 0;
-    std::uint32_t tableIndex = 0;
-    EncodeValue(value, itemType, false, discriminant, tableIndex);
     const unsigned char high = add ? 0x40 : 0x00;
-    const auto length = static_cast<std::uint32_t>(m_octets.size());
-    if (discriminant == 0) {
-        fi_layout::LengthBit5(m_out, high, length);
+    const EncodedCharacterString encoding = EncodingOf(itemType);
+    if (IsVerbatim(encoding)) {
+        const std::size_t length = value.size();
+        unsigned char* out =
+            fi_layout::LengthBit5(m_out.Reserve(MaxLengthOctets + length), high, static_cast<std::uint32_t>(length));
+        std::memcpy(out, value.data(), length);
+        m_out.Commit(out + length);
     } else {
-        const std::uint32_t i = tableIndex - 1;
-        Out(high | static_cast<unsigned char>(discriminant << 4) | static_cast<unsigned char>(i >> 4));
-        fi_layout::LengthBit5(m_out, static_cast<unsigned char>((i & 0x0F) << 4), length);
+        unsigned discriminant = 0;
+        std::uint32_t tableIndex = 0;
+        EncodeValue(value, encoding, false, discriminant, tableIndex);
+        const auto length = static_cast<std::uint32_t>(m_octets.size());
+        unsigned char* out = m_out.Reserve(1 + MaxLengthOctets + m_octets.size());
+        if (discriminant == 0) {
+            out = fi_layout::LengthBit5(out, high, length);
+        } else {
+            const std::uint32_t i = tableIndex - 1;
+            *out++ = static_cast<unsigned char>(high | (discriminant << 4) | (i >> 4));
+            out = fi_layout::LengthBit5(out, static_cast<unsigned char>((i & 0x0F) << 4), length);
+        }
+        std::memcpy(out, m_octets.data(), m_octets.size());
+        m_out.Commit(out + m_octets.size());
     }
-    m_out += m_octets;
-    if (add) m_vocabulary.AddAttributeValue(value);
+    // Looked up in vain above: added without a second look-up.
+    if (add) CFIVocabulary::AddNewString(value, hash, m_vocabulary.m_attributeValues);
 }
 
-void CFastInfosetWriter::WriteCharacterChunk(const std::string& value, ItemType itemType) {
+inline void CFastInfosetWriter::WriteCharacterChunk(std::string_view value, ItemType itemType) {
     const bool indexable = value.size() < m_elementMaxAddLength;
+    const std::size_t hash = indexable ? CFIStringTable::Hash(value) : 0;
     std::uint32_t index = 0;
-    if (indexable && m_vocabulary.FindElementValueIndex(value, index)) {
-        fi_layout::IntegerBit4(m_out, 0xA0, index);
+    if (indexable && m_vocabulary.m_characterChunks.Find(value, hash, index)) {
+        m_out.Commit(fi_layout::IntegerBit4(m_out.Reserve(MaxIntegerOctets), 0xA0, index));
         return;
     }
     const bool add = indexable && m_vocabulary.GetCharacterChunksTable().GetCount() < CFIVocabulary::MaxIndex;
-    unsigned discriminant = 0;
-    std::uint32_t tableIndex = 0;
-    EncodeValue(value, itemType, true, discriminant, tableIndex);
     const unsigned char high = 0x80 | (add ? 0x10 : 0x00);
-    const auto length = static_cast<std::uint32_t>(m_octets.size());
-    if (discriminant == 0) {
-        fi_layout::LengthBit7(m_out, high, length);
+    const EncodedCharacterString encoding = EncodingOf(itemType);
+    if (IsVerbatim(encoding)) {
+        const std::size_t length = value.size();
+        unsigned char* out =
+            fi_layout::LengthBit7(m_out.Reserve(MaxLengthOctets + length), high, static_cast<std::uint32_t>(length));
+        std::memcpy(out, value.data(), length);
+        m_out.Commit(out + length);
     } else {
-        const std::uint32_t i = tableIndex - 1;
-        Out(high | static_cast<unsigned char>(discriminant << 2) | static_cast<unsigned char>(i >> 6));
-        fi_layout::LengthBit7(m_out, static_cast<unsigned char>((i & 0x3F) << 2), length);
+        unsigned discriminant = 0;
+        std::uint32_t tableIndex = 0;
+        EncodeValue(value, encoding, true, discriminant, tableIndex);
+        const auto length = static_cast<std::uint32_t>(m_octets.size());
+        unsigned char* out = m_out.Reserve(1 + MaxLengthOctets + m_octets.size());
+        if (discriminant == 0) {
+            out = fi_layout::LengthBit7(out, high, length);
+        } else {
+            const std::uint32_t i = tableIndex - 1;
+            *out++ = static_cast<unsigned char>(high | (discriminant << 2) | (i >> 6));
+            out = fi_layout::LengthBit7(out, static_cast<unsigned char>((i & 0x3F) << 2), length);
+        }
+        std::memcpy(out, m_octets.data(), m_octets.size());
+        m_out.Commit(out + m_octets.size());
     }
-    m_out += m_octets;
-    if (add) m_vocabulary.AddElementValue(value);
+    if (add) CFIVocabulary::AddNewString(value, hash, m_vocabulary.m_characterChunks);
 }
 
 }  // namespace QmXmlLib10

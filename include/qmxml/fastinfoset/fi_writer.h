@@ -1,8 +1,11 @@
 // The writer that produces Fast Infoset (ITU-T X.891) documents.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "qmxml/core/enums.h"
@@ -68,38 +71,88 @@ public:
     const CFIVocabulary& GetVocabulary() const { return m_vocabulary; }
 
 private:
+    // An attribute kept until its element's start is written: its strings
+    // lie in m_attributeText, one after the other.
     struct PendingAttribute {
-        std::string prefix;
-        std::string namespaceURI;
-        std::string localName;
-        std::string value;
-        ItemType itemType = ItemType_string;
+        std::size_t prefixLength;
+        std::size_t namespaceLength;
+        std::size_t localNameLength;
+        std::size_t valueLength;
+        ItemType itemType;
     };
     // What the pending start of the current element declares besides its
     // context's own namespaces.
     enum class DefaultDeclaration { None, Declare, Undeclare };
 
-    void Out(unsigned char octet) { m_out.push_back(static_cast<char>(octet)); }
+    // The document's octets, written through raw positions: Reserve room,
+    // write at most that many octets, Commit the end. std::malloc'd, so the
+    // output buffer can adopt them whole.
+    class COctetBuffer {
+    public:
+        COctetBuffer() = default;
+        ~COctetBuffer() { std::free(m_data); }
+        COctetBuffer(const COctetBuffer&) = delete;
+        COctetBuffer& operator=(const COctetBuffer&) = delete;
+
+        std::size_t Size() const { return m_size; }
+        const unsigned char* Data() const { return m_data; }
+        unsigned char* Reserve(std::size_t n) {
+            if (m_capacity - m_size < n) Grow(n);
+            return m_data + m_size;
+        }
+        void Commit(unsigned char* end) { m_size = static_cast<std::size_t>(end - m_data); }
+        void Put(unsigned char octet) {
+            *Reserve(1) = octet;
+            ++m_size;
+        }
+        void Append(const void* octets, std::size_t n);
+        // The storage, shrunk to the octets, for the caller to std::free.
+        unsigned char* Release() noexcept;
+        void Clear() noexcept { m_size = 0; }
+
+    private:
+        void Grow(std::size_t n);
+        unsigned char* m_data = nullptr;
+        std::size_t m_size = 0;
+        std::size_t m_capacity = 0;
+    };
+
+    void Out(unsigned char octet) { m_out.Put(octet); }
     void Flush() noexcept;
-    CXmlWriterContext& RequireContext() const;
+    inline CXmlWriterContext& RequireContext() const;
     void AllocatePrefix(const CXmlWriterContext& context, std::string& prefix) const;
-    void WritePendingTerminator();
-    void CompleteStart();
+    inline void WritePendingTerminator();
+    // Writes the current element's pending start, if any.
+    void CompleteStart() {
+        if (CXmlWriterContext* context = GetCurrentContext(); context && context->m_startTagOpen) WriteStart(*context);
+    }
+    void WriteStart(CXmlWriterContext& context);
+
+    // The inline helpers are defined and used in the writer's source file only.
 
     // Prefix, namespace name or local name: index or literal (then added).
     enum class NameTable { Prefix, Namespace, Local };
-    void WriteIdentifyingString(const std::string& value, NameTable table);
-    void WriteElementName(unsigned char high, const std::string& prefix, const std::string& uri,
-                          const std::string& localName);
-    void WriteAttribute(const PendingAttribute& attribute);
+    void WriteIdentifyingString(std::string_view value, NameTable table);
+    inline void WriteElementName(unsigned char high, const CXmlWriterContext& context);
+    // Writes the attribute whose strings start at `text`; returns where the next one's start.
+    inline const char* WriteAttribute(const PendingAttribute& attribute, const char* text);
+    // The encoding of the item type's values; an unknown item type is literal.
+    EncodedCharacterString EncodingOf(ItemType itemType) const {
+        const auto type = static_cast<std::uint32_t>(itemType);
+        return type < CFastInfosetContext::EncodingTableSize ? m_encodings[type] : EncodedCharacterString{};
+    }
+    // True when the value's octets are its own bytes: a literal in UTF-8 from UTF-8 local text.
+    bool IsVerbatim(const EncodedCharacterString& encoding) const {
+        return encoding.kind == EncodedCharacterString::Kind_Literal && m_defaultStringEncoding == 0 && m_localIsUtf8;
+    }
     // The value's octets under its item type's encoding: the discriminant
     // (0 UTF-8, 2 restricted alphabet, 3 algorithm), the table index or 0,
-    // and the octets in m_octets.
-    void EncodeValue(const std::string& value, ItemType itemType, bool bit5Placement, unsigned& discriminant,
-                     std::uint32_t& tableIndex);
-    void AppendRestrictedAlphabetString(const std::string& alphabet, const std::string& value);
-    void WriteAttributeValue(const std::string& value, ItemType itemType);
-    void WriteCharacterChunk(const std::string& value, ItemType itemType);
+    // and the octets in m_octets. value.data() is zero-terminated.
+    void EncodeValue(std::string_view value, const EncodedCharacterString& encoding, bool bit5Placement,
+                     unsigned& discriminant, std::uint32_t& tableIndex);
+    void AppendRestrictedAlphabetString(const std::string& alphabet, std::string_view value);
+    inline void WriteAttributeValue(std::string_view value, ItemType itemType);
+    inline void WriteCharacterChunk(std::string_view value, ItemType itemType);
 
     CBinaryData& m_output;
     // The context's options, copied.
@@ -110,13 +163,52 @@ private:
     bool m_useGeneratedVocabulary;
     std::string m_vocabularyURI;
     FInfoDecl m_declaration;
-    std::string m_out;
+    COctetBuffer m_out;
     bool m_terminatorPending = false;
     CFIVocabulary m_vocabulary;
     const bool m_localIsUtf8;
     DefaultDeclaration m_defaultDeclaration = DefaultDeclaration::None;
+
+    // An element name's prefix and namespace as indexes into the vocabulary's
+    // tables (0: none), or Unresolved when not known. Names are looked up by
+    // these and the local name, so a namespace name is neither hashed nor
+    // compared again for every element in it.
+    static constexpr std::uint32_t Unresolved = 0xFFFFFFFF;
+    struct NameParts {
+        std::uint32_t prefix;
+        std::uint32_t ns;
+    };
+    struct ElementKey {
+        NameParts parts;
+        std::string localName;
+        // The name that followed this one as the next sibling, and as the
+        // first child, when last written: the guess tried before the hash
+        // look-up, since documents repeat their sequences.
+        std::uint32_t nextSibling = 0;
+        std::uint32_t firstChild = 0;
+    };
+    // An open element whose name is written.
+    struct OpenElement {
+        NameParts parts;
+        std::uint32_t index;      // in the element-name table; 0 when not indexed
+        std::uint32_t lastChild;  // the name index of its last child so far; 0 before the first
+    };
+    static inline std::size_t HashElementKey(NameParts parts, std::string_view localName);
+    void IndexElementName(std::uint32_t index);
+    inline bool IsElementName(std::uint32_t index, NameParts parts, std::string_view localName) const;
+    inline std::uint32_t FindElementName(NameParts parts, std::string_view localName) const;
+    inline std::uint32_t ResolvePrefix(std::string_view prefix) const;
+    inline std::uint32_t ResolveNamespace(std::string_view uri) const;
+    inline std::uint32_t DefaultNamespaceIndex();
+    NameParts m_startParts{0, 0};            // of the element whose start is pending
+    std::vector<OpenElement> m_openElements;  // by depth
+    std::vector<ElementKey> m_elementKeys;    // each element name of the vocabulary, by index - 1
+    fi_detail::CHashIndex m_elementIndex;
+    std::uint32_t m_defaultNamespaceIndex = 0;  // 0 until found in the table
+
     std::vector<PendingAttribute> m_attributes;  // entries past m_attributeCount are spare storage
     std::size_t m_attributeCount = 0;
+    std::string m_attributeText;  // the pending attributes' strings
     std::string m_octets;     // scratch: a value's encoded octets
     std::string m_newPrefix;  // scratch: prefix allocation
 };
