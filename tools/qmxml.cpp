@@ -11,6 +11,7 @@
 #include <iostream>
 #include <iterator>
 #include <set>
+#include <utility>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,8 @@ const char* kUsage =
     "       qmxml convert IN OUT [--to xml|fi] [--encoding utf-8|utf-16] [--eol lf|crlf]\n"
     "                            [--indent|--no-indent] [--no-declaration] [--compress none|gzip|zlib]\n"
     "                            [--fi-declaration 0..9] [--fi-typed] [--fi-vocabulary URI]\n"
-    "       qmxml info IN\n"
+    "       qmxml info IN              format, counts, depth, namespaces; for Fast Infoset also\n"
+    "                                  the size of each table of the document's vocabulary\n"
     "IN and OUT may be - for standard input and output. Input may be XML text or Fast Infoset,\n"
     "plain or gzip- or zlib-compressed; it is detected.\n";
 
@@ -189,6 +191,21 @@ int Info(const std::vector<std::string>& args) {
               << "max depth:  " << maxDepth << "\n"
               << "namespaces: " << namespaces.size() << "\n";
     for (const std::string& ns : namespaces) std::cout << "  " << ns << "\n";
+    if (const CFastInfosetStatistics* fi = document.GetFastInfosetStatistics()) {
+        // The sizes of the document's vocabulary tables, built-in entries included.
+        const std::pair<const char*, std::uint32_t> tables[] = {
+            {"element names", fi->elementNames},     {"attribute names", fi->attributeNames},
+            {"prefixes", fi->prefixes},               {"namespace names", fi->namespaceNames},
+            {"local names", fi->localNames},          {"other NCNames", fi->otherNCNames},
+            {"other URIs", fi->otherURIs},            {"attribute values", fi->attributeValues},
+            {"character chunks", fi->characterChunks}, {"other strings", fi->otherStrings},
+            {"restricted alphabets", fi->restrictedAlphabets},
+        };
+        std::cout << "vocabulary:\n";
+        for (const auto& [name, count] : tables) {
+            std::cout << "  " << name << ":" << std::string(22 - std::strlen(name), ' ') << count << "\n";
+        }
+    }
     return 0;
 }
 

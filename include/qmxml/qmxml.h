@@ -45,5 +45,6 @@
 
 #include "qmxml/fastinfoset/fast_infoset_context.h"
 #include "qmxml/fastinfoset/binary_algorithms.h"
+#include "qmxml/fastinfoset/fi_statistics.h"
 #include "qmxml/fastinfoset/fi_writer.h"
 #include "qmxml/fastinfoset/vocabulary.h"

@@ -129,6 +129,7 @@ CXmlDocument::~CXmlDocument() { CXmlTreeBuilder::Clear(*this); }
 void CXmlDocument::Cleanup() {
     CXmlTreeBuilder::Clear(*this);
     m_namespaces.clear();
+    m_fastInfosetStatistics.reset();
 }
 
 void CXmlDocument::SetMaxInflateRatio(std::uint32_t ratio) noexcept { g_maxInflateRatio = ratio; }

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 
 #include "qmxml/dom/xml_document.h"
+#include "qmxml/fastinfoset/fi_statistics.h"
 
 namespace QmXmlLib10 {
 
@@ -41,6 +43,10 @@ public:
     static CXmlNameTable& GetTextTable(const CXmlDocument& document) noexcept { return document.m_textTable; }
     // Where the document's nodes live.
     static CXmlNodePool& GetNodePool(const CXmlDocument& document) noexcept { return *document.m_pool; }
+    // Records what the Fast Infoset reader found, once it read the whole document.
+    static void SetFastInfosetStatistics(CXmlDocument& document, const CFastInfosetStatistics& statistics) {
+        document.m_fastInfosetStatistics = std::make_unique<CFastInfosetStatistics>(statistics);
+    }
     // The schema type read from the context when the document was constructed.
     static int GetSchemaType(const CXmlDocument& document) noexcept { return document.m_schemaType; }
 };

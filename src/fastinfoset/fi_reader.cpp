@@ -130,7 +130,25 @@ bool CFastInfosetReader::Parse(CXmlDocument& document, const unsigned char* data
         }
     }
     std::string().swap(m_scratch);
+    CXmlDocumentLoading::SetFastInfosetStatistics(document, GetStatistics());
     return true;
+}
+
+CFastInfosetStatistics CFastInfosetReader::GetStatistics() const {
+    CFastInfosetStatistics statistics;
+    auto count = [](const auto& table) { return static_cast<std::uint32_t>(table.size()); };
+    statistics.elementNames = count(m_elementNames);
+    statistics.attributeNames = count(m_attributeNames);
+    statistics.prefixes = count(m_prefixes);
+    statistics.namespaceNames = count(m_namespaces);
+    statistics.localNames = count(m_localNames);
+    statistics.otherNCNames = m_otherNCNames;
+    statistics.otherURIs = m_otherURIs;
+    statistics.attributeValues = count(m_attributeValues);
+    statistics.characterChunks = count(m_chunks);
+    statistics.otherStrings = m_otherStrings;
+    statistics.restrictedAlphabets = count(m_alphabets);
+    return statistics;
 }
 
 // --- Octets --------------------------------------------------------------------

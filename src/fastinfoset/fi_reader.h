@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "qmxml/fastinfoset/fi_statistics.h"
+
 namespace QmXmlLib10 {
 
 class CXmlDocument;
@@ -26,6 +28,9 @@ public:
     // False, with nothing built, when data is not Fast Infoset; throws
     // CQmException when it is but is malformed.
     bool Parse(CXmlDocument& document, const unsigned char* data, std::size_t length);
+
+    // The sizes of the working vocabulary's tables, as far as read.
+    CFastInfosetStatistics GetStatistics() const;
 
     // The document loader's hook.
     static bool Load(CXmlDocument& document, const unsigned char* data, std::uint32_t length,

@@ -16,6 +16,7 @@ namespace QmXmlLib10 {
 
 class CXmlNodePool;
 class CXmlSerializationContext;
+struct CFastInfosetStatistics;
 
 // Holds the document element and the name table its nodes point into.
 // Destroying the document destroys the tree; pointers to nodes and interned
@@ -76,6 +77,10 @@ public:
 
     // Interning changes no node, so it is allowed on a const document.
     CXmlNameTable& GetNameTable() const noexcept { return m_nameTable; }
+    // The vocabulary sizes of the Fast Infoset document last loaded
+    // (qmxml/fastinfoset/fi_statistics.h); null when the last load was not
+    // Fast Infoset or failed. Valid until the next load.
+    const CFastInfosetStatistics* GetFastInfosetStatistics() const noexcept { return m_fastInfosetStatistics.get(); }
     const CXmlSerializationContext& GetContext() const noexcept { return *m_context; }
 
     // Guard against decompression bombs. Compressed input may inflate to at
@@ -128,6 +133,7 @@ private:
     int m_schemaType;
     ElementFilter m_filter = nullptr;
     const CXmlSerializationContext* m_context;
+    std::unique_ptr<CFastInfosetStatistics> m_fastInfosetStatistics;
 };
 
 }  // namespace QmXmlLib10
