@@ -214,7 +214,8 @@ void CFastInfosetWriter::WriteStart(CXmlWriterContext& start) {
         Out(0xF0);
         high = 0x00;
     }
-    WriteElementName(high, *context);
+    WriteElementName(high, context->m_prefix, context->m_namespaceURI, context->m_localName,
+                     static_cast<std::size_t>(context->m_depth), m_startParts);
     const char* text = m_attributeText.data();
     for (std::size_t i = 0; i < m_attributeCount; ++i) text = WriteAttribute(m_attributes[i], text);
     if (hasAttributes) Out(0xF0);
@@ -302,13 +303,9 @@ inline std::uint32_t CFastInfosetWriter::DefaultNamespaceIndex() {
     return m_defaultNamespaceIndex;
 }
 
-inline void CFastInfosetWriter::WriteElementName(unsigned char high, const CXmlWriterContext& context) {
-    const std::string& prefix = context.m_prefix;
-    const std::string& uri = context.m_namespaceURI;
-    const std::string& localName = context.m_localName;
-    const auto depth = static_cast<std::size_t>(context.m_depth);
+inline void CFastInfosetWriter::WriteElementName(unsigned char high, std::string_view prefix, std::string_view uri,
+                                                 std::string_view localName, std::size_t depth, NameParts parts) {
     OpenElement* parent = depth > 0 ? &m_openElements[depth - 1] : nullptr;
-    NameParts parts = m_startParts;
     if (parts.ns == Unresolved) parts.ns = ResolveNamespace(uri);
     if (parts.prefix == Unresolved) parts.prefix = ResolvePrefix(prefix);
     std::uint32_t index = 0;
@@ -410,6 +407,42 @@ void CFastInfosetWriter::WriteText(const char* value, ItemType itemType) {
     CompleteStart();
     WritePendingTerminator();
     WriteCharacterChunk(value, itemType);
+}
+
+void CFastInfosetWriter::WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
+                                            ItemType itemType) {
+    CXmlWriterContext* parent = GetCurrentContext();
+    const std::string_view uri = OrEmpty(namespaceURI);
+    const std::string* prefix = nullptr;
+    NameParts parts{0, 0};
+    bool plain = false;
+    if (parent) {
+        if (uri.empty()) {
+            plain = !parent->m_inDefaultNamespace;  // else it undeclares the default
+        } else if (parent->m_inDefaultNamespace && uri == GetDefaultNamespace()) {
+            plain = true;
+            parts.ns = Unresolved;
+        } else if (!parent->m_prefix.empty() && parent->m_namespaceURI == uri) {
+            plain = true;
+            prefix = &parent->m_prefix;
+        }
+    }
+    if (!plain) {
+        CXmlWriter::WriteSimpleElement(localName, namespaceURI, value, itemType);
+        return;
+    }
+    // What StartElement, WriteText and EndElement write for it, in their order.
+    CompleteStart();
+    WritePendingTerminator();
+    ++parent->m_childCount;
+    const auto depth = static_cast<std::size_t>(parent->m_depth);
+    if (parts.ns == Unresolved) parts.ns = DefaultNamespaceIndex();
+    // The parent's start is complete, so its name's parts are known.
+    if (prefix != nullptr) parts = m_openElements[depth].parts;
+    WriteElementName(0x00, prefix != nullptr ? std::string_view(*prefix) : std::string_view(), uri,
+                     OrEmpty(localName), depth + 1, parts);
+    if (value != nullptr && *value != '\0') WriteCharacterChunk(value, itemType);
+    m_terminatorPending = true;
 }
 
 void CFastInfosetWriter::EndElement() {

@@ -435,6 +435,56 @@ TEST(FastInfosetWriter, NamespacesAndPrefixes) {
               (Octets{0x3C, 0x00, 'r', 0x3F, 0x80, 0x80, 0x00, 's', 0xFF, 0xF0}));
 }
 
+TEST(FastInfosetWriter, SimpleElementsAsStartTextAndEnd) {
+    // Every case of the one-call form, against the three calls it stands for:
+    // no namespace, the default namespace, the parent's prefix, and the ones
+    // that declare something (no namespace under a default, a new namespace).
+    struct Simple {
+        const char* localName;
+        const char* namespaceURI;
+        const char* value;
+        ItemType itemType;
+    };
+    const Simple children[] = {
+        {"a", "", "text", ItemType_string},     {"a", "", "text", ItemType_string},  // the name by index
+        {"b", "urn:d", "12", ItemType_string},  {"c", "urn:p", "", ItemType_string},
+        {"c", "urn:p", nullptr, ItemType_string}, {"d", "urn:new", "x", ItemType_string},
+        {"e", "urn:p", "2024-01-02", ItemType_date}, {"f", "urn:p", "17", ItemType_i4},
+    };
+    CFastInfosetContext typed;
+    typed.SetSuggestedValues();
+    for (const bool inDefault : {false, true}) {
+        for (const bool attributePending : {false, true}) {
+            auto document = [&](bool oneCall) {
+                return Write(
+                    [&](CFastInfosetWriter& w) {
+                        if (inDefault) w.SetDefaultNamespace("urn:d");
+                        w.AddNamespaceAlias("p", "urn:p");
+                        w.StartElement("r", inDefault ? "urn:d" : "");
+                        w.StartElement("s", "urn:p");
+                        if (attributePending) w.WriteAttribute("k", "", "v");
+                        for (const Simple& c : children) {
+                            if (oneCall) {
+                                w.WriteSimpleElement(c.localName, c.namespaceURI, c.value, c.itemType);
+                            } else {
+                                w.StartElement(c.localName, c.namespaceURI);
+                                w.WriteText(c.value, c.itemType);
+                                w.EndElement();
+                            }
+                        }
+                        w.EndElement();
+                        w.WriteSimpleElement("t", "urn:p", "end");
+                        w.EndElement();
+                    },
+                    typed);
+            };
+            EXPECT_EQ(document(true), document(false)) << inDefault << attributePending;
+        }
+    }
+    // As the document element: the three calls' octets, the smallest document.
+    EXPECT_EQ(Body([](CFastInfosetWriter& w) { w.WriteSimpleElement("a", "", ""); }), (Octets{0x3C, 0x00, 'a', 0xFF}));
+}
+
 TEST(FastInfosetWriter, EntryPointsOnAnElement) {
     CSmartPtr<CElement> element = new CElement("a", "urn:a");
     element->GetElements().Add("b", "urn:a")->SetText("x");

@@ -60,6 +60,12 @@ public:
     // One character chunk; empty text writes nothing.
     void WriteText(const char* value, ItemType itemType = ItemType_string) override;
     void EndElement() override;
+    // Where the element needs no namespace declaration (no namespace outside
+    // a default namespace's scope, the default namespace, or the parent's
+    // prefixed namespace), it is written without opening a context;
+    // otherwise as StartElement, WriteText, EndElement.
+    void WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
+                            ItemType itemType = ItemType_string) override;
     // Throws "Attributes must be added before elements" once the element has
     // a child or text.
     void WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
@@ -71,6 +77,16 @@ public:
     const CFIVocabulary& GetVocabulary() const { return m_vocabulary; }
 
 private:
+    // An element name's prefix and namespace as indexes into the vocabulary's
+    // tables (0: none), or Unresolved when not known. Names are looked up by
+    // these and the local name, so a namespace name is neither hashed nor
+    // compared again for every element in it.
+    static constexpr std::uint32_t Unresolved = 0xFFFFFFFF;
+    struct NameParts {
+        std::uint32_t prefix;
+        std::uint32_t ns;
+    };
+
     // An attribute kept until its element's start is written: its strings
     // lie in m_attributeText, one after the other.
     struct PendingAttribute {
@@ -133,7 +149,10 @@ private:
     // Prefix, namespace name or local name: index or literal (then added).
     enum class NameTable { Prefix, Namespace, Local };
     void WriteIdentifyingString(std::string_view value, NameTable table);
-    inline void WriteElementName(unsigned char high, const CXmlWriterContext& context);
+    // The name of the element at `depth`, whose prefix and namespace are
+    // `parts` as far as known.
+    inline void WriteElementName(unsigned char high, std::string_view prefix, std::string_view uri,
+                                 std::string_view localName, std::size_t depth, NameParts parts);
     // Writes the attribute whose strings start at `text`; returns where the next one's start.
     inline const char* WriteAttribute(const PendingAttribute& attribute, const char* text);
     // The encoding of the item type's values; an unknown item type is literal.
@@ -169,15 +188,6 @@ private:
     const bool m_localIsUtf8;
     DefaultDeclaration m_defaultDeclaration = DefaultDeclaration::None;
 
-    // An element name's prefix and namespace as indexes into the vocabulary's
-    // tables (0: none), or Unresolved when not known. Names are looked up by
-    // these and the local name, so a namespace name is neither hashed nor
-    // compared again for every element in it.
-    static constexpr std::uint32_t Unresolved = 0xFFFFFFFF;
-    struct NameParts {
-        std::uint32_t prefix;
-        std::uint32_t ns;
-    };
     struct ElementKey {
         NameParts parts;
         std::string localName;
