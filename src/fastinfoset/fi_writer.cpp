@@ -196,22 +196,9 @@ void CFastInfosetWriter::WriteStart(CXmlWriterContext& start) {
     CXmlWriterContext* context = &start;
     context->m_startTagOpen = false;
     const bool hasAttributes = m_attributeCount > 0;
-    const std::size_t declarations = context->GetOwnNamespaceCount();
     unsigned char high = hasAttributes ? 0x40 : 0x00;
-    if (declarations > 0 || m_defaultDeclaration != DefaultDeclaration::None) {
-        Out(high | 0x38);
-        if (m_defaultDeclaration == DefaultDeclaration::Declare) {
-            Out(0xCD);
-            WriteIdentifyingString(GetDefaultNamespace(), NameTable::Namespace);
-        } else if (m_defaultDeclaration == DefaultDeclaration::Undeclare) {
-            Out(0xCC);
-        }
-        for (std::size_t i = 0; i < declarations; ++i) {
-            Out(0xCF);
-            WriteIdentifyingString(context->GetOwnNamespacePrefix(i), NameTable::Prefix);
-            WriteIdentifyingString(context->GetOwnNamespaceURI(i), NameTable::Namespace);
-        }
-        Out(0xF0);
+    if (context->GetOwnNamespaceCount() > 0 || m_defaultDeclaration != DefaultDeclaration::None) {
+        WriteDeclarations(high, *context);
         high = 0x00;
     }
     WriteElementName(high, context->m_prefix, context->m_namespaceURI, context->m_localName,
@@ -222,6 +209,22 @@ void CFastInfosetWriter::WriteStart(CXmlWriterContext& start) {
     m_attributeCount = 0;
     m_attributeText.clear();
     m_defaultDeclaration = DefaultDeclaration::None;
+}
+
+void CFastInfosetWriter::WriteDeclarations(unsigned char high, const CXmlWriterContext& context) {
+    Out(high | 0x38);
+    if (m_defaultDeclaration == DefaultDeclaration::Declare) {
+        Out(0xCD);
+        WriteIdentifyingString(GetDefaultNamespace(), NameTable::Namespace);
+    } else if (m_defaultDeclaration == DefaultDeclaration::Undeclare) {
+        Out(0xCC);
+    }
+    for (std::size_t i = 0; i < context.GetOwnNamespaceCount(); ++i) {
+        Out(0xCF);
+        WriteIdentifyingString(context.GetOwnNamespacePrefix(i), NameTable::Prefix);
+        WriteIdentifyingString(context.GetOwnNamespaceURI(i), NameTable::Namespace);
+    }
+    Out(0xF0);
 }
 
 void CFastInfosetWriter::WriteIdentifyingString(std::string_view value, NameTable table) {
@@ -303,6 +306,20 @@ inline std::uint32_t CFastInfosetWriter::DefaultNamespaceIndex() {
     return m_defaultNamespaceIndex;
 }
 
+std::uint32_t CFastInfosetWriter::WriteLiteralElementName(unsigned char high, std::string_view prefix,
+                                                          std::string_view uri, std::string_view localName,
+                                                          NameParts& parts) {
+    Out(high | 0x3C | (prefix.empty() ? 0 : 0x02) | (uri.empty() ? 0 : 0x01));
+    if (!prefix.empty()) WriteIdentifyingString(prefix, NameTable::Prefix);
+    if (!uri.empty()) WriteIdentifyingString(uri, NameTable::Namespace);
+    WriteIdentifyingString(localName, NameTable::Local);
+    const std::uint32_t index = m_vocabulary.AddElement(prefix, uri, localName);
+    if (index != 0) IndexElementName(index);
+    // The parts are in their tables now, unless a table was full.
+    parts = NameParts{ResolvePrefix(prefix), ResolveNamespace(uri)};
+    return index;
+}
+
 inline void CFastInfosetWriter::WriteElementName(unsigned char high, std::string_view prefix, std::string_view uri,
                                                  std::string_view localName, std::size_t depth, NameParts parts) {
     OpenElement* parent = depth > 0 ? &m_openElements[depth - 1] : nullptr;
@@ -323,14 +340,7 @@ inline void CFastInfosetWriter::WriteElementName(unsigned char high, std::string
     if (index != 0) {
         m_out.Commit(fi_layout::IntegerBit3(m_out.Reserve(MaxIntegerOctets), high, index));
     } else {
-        Out(high | 0x3C | (prefix.empty() ? 0 : 0x02) | (uri.empty() ? 0 : 0x01));
-        if (!prefix.empty()) WriteIdentifyingString(prefix, NameTable::Prefix);
-        if (!uri.empty()) WriteIdentifyingString(uri, NameTable::Namespace);
-        WriteIdentifyingString(localName, NameTable::Local);
-        index = m_vocabulary.AddElement(prefix, uri, localName);
-        if (index != 0) IndexElementName(index);
-        // The parts are in their tables now, unless a table was full.
-        parts = NameParts{ResolvePrefix(prefix), ResolveNamespace(uri)};
+        index = WriteLiteralElementName(high, prefix, uri, localName, parts);
     }
     if (parent != nullptr) {
         if (parent->lastChild != 0) {
@@ -459,7 +469,8 @@ void CFastInfosetWriter::EndElement() {
 
 // --- Values --------------------------------------------------------------------
 
-void CFastInfosetWriter::AppendRestrictedAlphabetString(const std::string& alphabet, std::string_view value) {
+void CFastInfosetWriter::AppendRestrictedAlphabetString(std::uint32_t alphabetIndex, std::string_view value) {
+    const std::string& alphabet = m_vocabulary.GetRestrictedAlphabets()[alphabetIndex - 1];
     const std::size_t size = alphabet.size();
     if (size < 2 || size > CFIVocabulary::MaxIndex) {
         throw CQmException(
@@ -471,10 +482,19 @@ void CFastInfosetWriter::AppendRestrictedAlphabetString(const std::string& alpha
     if (width != 4 && width != 8) {
         throw CQmException("Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.");
     }
+    // Each octet's first position in the alphabet, found once per alphabet.
+    if (m_alphabetPositions.size() < alphabetIndex) m_alphabetPositions.resize(alphabetIndex);
+    std::vector<std::int16_t>& positions = m_alphabetPositions[alphabetIndex - 1];
+    if (positions.empty()) {
+        positions.assign(256, -1);
+        for (std::size_t i = alphabet.size(); i-- > 0;) {
+            positions[static_cast<unsigned char>(alphabet[i])] = static_cast<std::int16_t>(i);
+        }
+    }
     bool highHalf = true;
     for (char c : value) {
-        const std::size_t position = alphabet.find(c);
-        if (position == std::string::npos) {
+        const int position = positions[static_cast<unsigned char>(c)];
+        if (position < 0) {
             throw CQmException("Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
         }
         if (width == 8) {
@@ -504,7 +524,7 @@ void CFastInfosetWriter::EncodeValue(std::string_view value, const EncodedCharac
                 throw CQmException(FormatString("Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]",
                                                 static_cast<int>(encoding.index)));
             }
-            AppendRestrictedAlphabetString(alphabets[encoding.index - 1], value);
+            AppendRestrictedAlphabetString(encoding.index, value);
             discriminant = 2;
             tableIndex = encoding.index;
             return;

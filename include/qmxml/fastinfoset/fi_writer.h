@@ -149,6 +149,12 @@ private:
     // Prefix, namespace name or local name: index or literal (then added).
     enum class NameTable { Prefix, Namespace, Local };
     void WriteIdentifyingString(std::string_view value, NameTable table);
+    // The namespace declarations of an element's start.
+    void WriteDeclarations(unsigned char high, const CXmlWriterContext& context);
+    // A name not in the table: its parts, then added; returns its index (0 when
+    // the table is full) and sets `parts` to its parts' indexes.
+    std::uint32_t WriteLiteralElementName(unsigned char high, std::string_view prefix, std::string_view uri,
+                                          std::string_view localName, NameParts& parts);
     // The name of the element at `depth`, whose prefix and namespace are
     // `parts` as far as known.
     inline void WriteElementName(unsigned char high, std::string_view prefix, std::string_view uri,
@@ -169,7 +175,8 @@ private:
     // and the octets in m_octets. value.data() is zero-terminated.
     void EncodeValue(std::string_view value, const EncodedCharacterString& encoding, bool bit5Placement,
                      unsigned& discriminant, std::uint32_t& tableIndex);
-    void AppendRestrictedAlphabetString(const std::string& alphabet, std::string_view value);
+    // The value in restricted alphabet `alphabetIndex` (from 1, in the vocabulary).
+    void AppendRestrictedAlphabetString(std::uint32_t alphabetIndex, std::string_view value);
     inline void WriteAttributeValue(std::string_view value, ItemType itemType);
     inline void WriteCharacterChunk(std::string_view value, ItemType itemType);
 
@@ -220,6 +227,8 @@ private:
     std::size_t m_attributeCount = 0;
     std::string m_attributeText;  // the pending attributes' strings
     std::string m_octets;     // scratch: a value's encoded octets
+    // For each restricted alphabet used so far, each octet's position in it or -1.
+    std::vector<std::vector<std::int16_t>> m_alphabetPositions;
     std::string m_newPrefix;  // scratch: prefix allocation
 };
 
