@@ -144,7 +144,8 @@ private:
     }
     void WriteStart(CXmlWriterContext& context);
 
-    // The inline helpers are defined and used in the writer's source file only.
+    // Helpers declared inline are defined in the writer's source file and used
+    // only there, where the compiler may inline them into the writing paths.
 
     // Prefix, namespace name or local name: index or literal (then added).
     enum class NameTable { Prefix, Namespace, Local };
@@ -226,10 +227,10 @@ private:
     std::vector<PendingAttribute> m_attributes;  // entries past m_attributeCount are spare storage
     std::size_t m_attributeCount = 0;
     std::string m_attributeText;  // the pending attributes' strings
-    std::string m_octets;     // scratch: a value's encoded octets
+    std::string m_octets;         // scratch: a value's encoded octets
+    std::string m_newPrefix;      // scratch: prefix allocation
     // For each restricted alphabet used so far, each octet's position in it or -1.
     std::vector<std::vector<std::int16_t>> m_alphabetPositions;
-    std::string m_newPrefix;  // scratch: prefix allocation
 };
 
 }  // namespace QmXmlLib10
