@@ -77,3 +77,25 @@ TEST(FIVocabulary, ContextCopiesAreIndependent) {
     EXPECT_TRUE(fresh.FindLocalNameIndex("two", index));
     EXPECT_EQ(index, 2u);
 }
+
+TEST(FIVocabulary, StringsAddedTwiceKeepTheirFirstIndex) {
+    // Callers look strings up first; one added twice anyway takes a second
+    // position, is found at its first, and later strings number by position.
+    CFIVocabulary v;
+    EXPECT_EQ(v.AddLocalName("a"), 1u);
+    EXPECT_EQ(v.AddLocalName("a"), 2u);
+    EXPECT_EQ(v.AddLocalName("b"), 3u);
+    std::uint32_t index = 0;
+    EXPECT_TRUE(v.FindLocalNameIndex("a", index));
+    EXPECT_EQ(index, 1u);
+    EXPECT_TRUE(v.FindLocalNameIndex("b", index));
+    EXPECT_EQ(index, 3u);
+    EXPECT_EQ(v.GetLocalNamesTable().GetStrings(), (std::vector<std::string>{"a", "a", "b"}));
+    // Names and values alike, through every table's growth.
+    for (int i = 0; i < 1000; ++i) v.AddAttributeValue(std::to_string(i));
+    for (int i = 0; i < 1000; ++i) {
+        ASSERT_TRUE(v.FindAttributeValueIndex(std::to_string(i), index));
+        ASSERT_EQ(index, static_cast<std::uint32_t>(i + 1));
+    }
+    EXPECT_FALSE(v.FindAttributeValueIndex("1000", index));
+}
