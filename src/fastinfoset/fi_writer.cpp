@@ -60,12 +60,6 @@ void CFastInfosetWriter::COctetBuffer::Grow(std::size_t n) {
     m_capacity = capacity;
 }
 
-void CFastInfosetWriter::COctetBuffer::Append(const void* octets, std::size_t n) {
-    if (n == 0) return;
-    std::memcpy(Reserve(n), octets, n);
-    m_size += n;
-}
-
 unsigned char* CFastInfosetWriter::COctetBuffer::Release() noexcept {
     unsigned char* data = m_data;
     if (data != nullptr && m_size > 0 && m_size < m_capacity) {
@@ -163,7 +157,7 @@ void CFastInfosetWriter::StartElement(const char* localName, const char* namespa
     const std::string& uri = context.m_namespaceURI;
     m_defaultDeclaration = DefaultDeclaration::None;
     m_attributeCount = 0;
-    m_attributeText.clear();
+    m_attributeText.Clear();
     // The default namespace may differ from the previous document's.
     if (!parent) m_defaultNamespaceIndex = 0;
     if (uri.empty()) {
@@ -203,11 +197,11 @@ void CFastInfosetWriter::WriteStart(CXmlWriterContext& start) {
     }
     WriteElementName(high, context->m_prefix, context->m_namespaceURI, context->m_localName,
                      static_cast<std::size_t>(context->m_depth), m_startParts);
-    const char* text = m_attributeText.data();
+    const char* text = reinterpret_cast<const char*>(m_attributeText.Data());
     for (std::size_t i = 0; i < m_attributeCount; ++i) text = WriteAttribute(m_attributes[i], text);
     if (hasAttributes) Out(0xF0);
     m_attributeCount = 0;
-    m_attributeText.clear();
+    m_attributeText.Clear();
     m_defaultDeclaration = DefaultDeclaration::None;
 }
 
@@ -399,11 +393,11 @@ void CFastInfosetWriter::WriteAttribute(const char* localName, const char* names
     a.localNameLength = local.size();
     a.valueLength = text.size();
     a.itemType = itemType;
-    if (prefix != nullptr) m_attributeText += *prefix;
-    m_attributeText += uri;
-    m_attributeText += local;
-    m_attributeText += text;
-    m_attributeText += '\0';
+    if (prefix != nullptr) m_attributeText.Append(prefix->data(), prefix->size());
+    m_attributeText.Append(uri.data(), uri.size());
+    m_attributeText.Append(local.data(), local.size());
+    m_attributeText.Append(text.data(), text.size());
+    m_attributeText.Put(0);
     ++m_attributeCount;
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -100,9 +101,9 @@ private:
     // context's own namespaces.
     enum class DefaultDeclaration { None, Declare, Undeclare };
 
-    // The document's octets, written through raw positions: Reserve room,
-    // write at most that many octets, Commit the end. std::malloc'd, so the
-    // output buffer can adopt them whole.
+    // Octets written through raw positions: Reserve room, write at most that
+    // many octets, Commit the end. std::malloc'd, so the output buffer can
+    // adopt the document's whole.
     class COctetBuffer {
     public:
         COctetBuffer() = default;
@@ -121,7 +122,11 @@ private:
             *Reserve(1) = octet;
             ++m_size;
         }
-        void Append(const void* octets, std::size_t n);
+        void Append(const void* octets, std::size_t n) {
+            if (n == 0) return;
+            std::memcpy(Reserve(n), octets, n);
+            m_size += n;
+        }
         // The storage, shrunk to the octets, for the caller to std::free.
         unsigned char* Release() noexcept;
         void Clear() noexcept { m_size = 0; }
@@ -226,7 +231,7 @@ private:
 
     std::vector<PendingAttribute> m_attributes;  // entries past m_attributeCount are spare storage
     std::size_t m_attributeCount = 0;
-    std::string m_attributeText;  // the pending attributes' strings
+    COctetBuffer m_attributeText;  // the pending attributes' strings
     std::string m_octets;         // scratch: a value's encoded octets
     std::string m_newPrefix;      // scratch: prefix allocation
     // For each restricted alphabet used so far, each octet's position in it or -1.
