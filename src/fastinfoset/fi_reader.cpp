@@ -47,8 +47,8 @@ struct Registration {
 
 }  // namespace
 
-CFastInfosetReader::CFastInfosetReader(const CFastInfosetContext& fiContext, const CXmlSerializationContext& context)
-    : m_context(context), m_vocabulary(std::make_unique<CFIVocabulary>()) {
+CFastInfosetReader::CFastInfosetReader(const CFastInfosetContext& fiContext)
+    : m_vocabulary(std::make_unique<CFIVocabulary>()) {
     if (fiContext.GetUseGeneratedVocabulary()) *m_vocabulary = *fiContext.GetVocabulary();
 }
 
@@ -56,7 +56,7 @@ CFastInfosetReader::~CFastInfosetReader() = default;
 
 bool CFastInfosetReader::Load(CXmlDocument& document, const unsigned char* data, std::uint32_t length,
                               const CXmlSerializationContext& context) {
-    CFastInfosetReader reader(context.GetFIContext(), context);
+    CFastInfosetReader reader(context.GetFIContext());
     return reader.Parse(document, data, length);
 }
 

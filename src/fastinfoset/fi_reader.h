@@ -20,7 +20,7 @@ class CFIVocabulary;
 
 class CFastInfosetReader {
 public:
-    CFastInfosetReader(const CFastInfosetContext& fiContext, const CXmlSerializationContext& context);
+    explicit CFastInfosetReader(const CFastInfosetContext& fiContext);
     ~CFastInfosetReader();
     CFastInfosetReader(const CFastInfosetReader&) = delete;
     CFastInfosetReader& operator=(const CFastInfosetReader&) = delete;
@@ -86,7 +86,6 @@ private:
 
     void LoadVocabulary();
 
-    const CXmlSerializationContext& m_context;
     std::unique_ptr<CFIVocabulary> m_vocabulary;
     const unsigned char* m_data = nullptr;
     std::size_t m_length = 0;
