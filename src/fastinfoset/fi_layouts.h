@@ -76,34 +76,29 @@ inline unsigned char* IntegerBit4(unsigned char* out, unsigned char high, std::u
     return BigEndian(out, value - 263185, 3);
 }
 
-inline unsigned char* LengthBit2(unsigned char* out, unsigned char high, std::uint32_t length) {
-    if (length <= 64) return Octet(out, high | (length - 1));
-    if (length <= 320) {
-        out = Octet(out, high | 0x40);
-        return Octet(out, length - 65);
+// The three length layouts differ only in where their one-octet and
+// two-octet forms end and in the marker bits of the longer forms.
+inline unsigned char* Length(unsigned char* out, unsigned char high, std::uint32_t length, std::uint32_t oneOctetMax,
+                             unsigned char twoOctetMarker, std::uint32_t twoOctetMax, unsigned char longMarker) {
+    if (length <= oneOctetMax) return Octet(out, high | (length - 1));
+    if (length <= twoOctetMax) {
+        out = Octet(out, high | twoOctetMarker);
+        return Octet(out, length - oneOctetMax - 1);
     }
-    out = Octet(out, high | 0x60);
-    return BigEndian(out, length - 321, 4);
+    out = Octet(out, high | longMarker);
+    return BigEndian(out, length - twoOctetMax - 1, 4);
+}
+
+inline unsigned char* LengthBit2(unsigned char* out, unsigned char high, std::uint32_t length) {
+    return Length(out, high, length, 64, 0x40, 320, 0x60);
 }
 
 inline unsigned char* LengthBit5(unsigned char* out, unsigned char high, std::uint32_t length) {
-    if (length <= 8) return Octet(out, high | (length - 1));
-    if (length <= 264) {
-        out = Octet(out, high | 0x08);
-        return Octet(out, length - 9);
-    }
-    out = Octet(out, high | 0x0C);
-    return BigEndian(out, length - 265, 4);
+    return Length(out, high, length, 8, 0x08, 264, 0x0C);
 }
 
 inline unsigned char* LengthBit7(unsigned char* out, unsigned char high, std::uint32_t length) {
-    if (length <= 2) return Octet(out, high | (length - 1));
-    if (length <= 258) {
-        out = Octet(out, high | 0x02);
-        return Octet(out, length - 3);
-    }
-    out = Octet(out, high | 0x03);
-    return BigEndian(out, length - 259, 4);
+    return Length(out, high, length, 2, 0x02, 258, 0x03);
 }
 
 // The same layouts appended to a string.

@@ -6,6 +6,8 @@
 #include <qmxml/core/exception.h>
 #include <qmxml/fastinfoset/binary_algorithms.h>
 
+#include "expect_throw.h"
+
 using namespace QmXmlLib10;
 
 namespace {
@@ -23,15 +25,7 @@ std::string Decode(std::uint32_t algorithm, Octets octets) {
     return data.GetAsString(algorithm);
 }
 
-template <class F>
-std::string MessageOf(F&& f) {
-    try {
-        f();
-    } catch (const CQmException& e) {
-        return e.what();
-    }
-    return "no exception";
-}
+using qmxml_test::MessageOf;
 
 }  // namespace
 

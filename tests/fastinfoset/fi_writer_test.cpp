@@ -13,6 +13,7 @@
 #include <qmxml/fastinfoset/fi_writer.h>
 
 #include "fastinfoset/fi_layouts.h"
+#include "expect_throw.h"
 
 using namespace QmXmlLib10;
 
@@ -48,15 +49,7 @@ Octets Cat(std::initializer_list<Octets> parts) {
 
 Octets Text(const std::string& s) { return Octets(s.begin(), s.end()); }
 
-template <class F>
-std::string MessageOf(F&& f) {
-    try {
-        f();
-    } catch (const CQmException& e) {
-        return e.what();
-    }
-    return "no exception";
-}
+using qmxml_test::MessageOf;
 
 Octets Layout(void (*layout)(std::string&, unsigned char, std::uint32_t), unsigned char high, std::uint32_t v) {
     std::string out;
