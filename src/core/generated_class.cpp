@@ -34,6 +34,8 @@ public:
     explicit PresenceFlags(std::size_t count)
         : m_heap(count > sizeof m_inline ? new char[count]() : nullptr),
           m_flags(m_heap ? m_heap.get() : m_inline) {}
+    PresenceFlags(const PresenceFlags&) = delete;  // m_flags may point into the object itself
+    PresenceFlags& operator=(const PresenceFlags&) = delete;
     char* Data() noexcept { return m_flags; }
 
 private:

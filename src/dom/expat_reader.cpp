@@ -115,7 +115,7 @@ void CExpatReader::TextStack::Grow(std::size_t length) {
         if (capacity > SIZE_MAX / 2) throw std::bad_alloc();
         capacity *= 2;
     }
-    std::unique_ptr<char[]> bigger(new char[capacity]);
+    std::unique_ptr<char[]> bigger(new char[capacity]());  // the scan may read the slack
     if (m_size > 0) std::memcpy(bigger.get(), m_data.get(), m_size);
     m_data = std::move(bigger);
     m_capacity = capacity;

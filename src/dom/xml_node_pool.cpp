@@ -1,6 +1,7 @@
 #include "dom/xml_node_pool.h"
 
 #include <mutex>
+#include <type_traits>
 
 #include "platform/memory.h"
 
@@ -18,6 +19,7 @@ struct ChunkCache {
     std::size_t count = 0;
     void* chunks[kCacheSlots] = {};
 };
+static_assert(std::is_trivially_destructible_v<ChunkCache>, "the cache must outlive every document");
 ChunkCache g_cache;
 
 std::size_t SlotsFor(std::size_t bytes) noexcept {

@@ -230,7 +230,9 @@ std::string ErrorText(int code) {
     return reinterpret_cast<const char*>(buffer);
 }
 
-Compiled Compile(const std::string& utf8Pattern) {
+// jit: also translate the pattern to machine code, worth it for a pattern
+// that is kept and used again.
+Compiled Compile(const std::string& utf8Pattern, bool jit) {
     const std::string source = Translate(utf8Pattern);
     int errorCode = 0;
     PCRE2_SIZE errorOffset = 0;
@@ -243,7 +245,7 @@ Compiled Compile(const std::string& utf8Pattern) {
     }
     // Machine code for the pattern: matching gets several times faster. Where
     // JIT is unavailable the interpreter serves, so a failure here is ignored.
-    (void)pcre2_jit_compile(result.code.get(), PCRE2_JIT_COMPLETE);
+    if (jit) (void)pcre2_jit_compile(result.code.get(), PCRE2_JIT_COMPLETE);
     return result;
 }
 
@@ -285,7 +287,7 @@ std::shared_ptr<const Compiled> Lookup(const std::string& utf8Pattern) {
     if (found != cache.entries.end()) return found->second;
     // Compiling under the lock makes it happen once per pattern; it takes
     // microseconds for patterns of schema size.
-    auto compiled = std::make_shared<const Compiled>(Compile(utf8Pattern));
+    auto compiled = std::make_shared<const Compiled>(Compile(utf8Pattern, true));
     if (cache.entries.size() >= kMaxCachedPatterns) cache.entries.clear();
     cache.entries.emplace(utf8Pattern, compiled);
     return compiled;
@@ -381,7 +383,7 @@ bool MatchPrepared(const Compiled& compiled, const std::string& value, const std
 bool MatchUncached(const std::string& value, const std::string& xsdPattern) {
     std::string patternScratch;
     std::string valueScratch;
-    const Compiled compiled = Compile(AsUtf8(xsdPattern, patternScratch));
+    const Compiled compiled = Compile(AsUtf8(xsdPattern, patternScratch), false);
     if (!compiled.code) ThrowInvalidPattern(xsdPattern, compiled.error);
     MatchDataPtr data(pcre2_match_data_create_from_pattern(compiled.code.get(), nullptr));
     if (!data) throw std::bad_alloc();
