@@ -417,24 +417,14 @@ void CFastInfosetWriter::WriteSimpleElement(const char* localName, const char* n
                                             ItemType itemType) {
     CXmlWriterContext* parent = GetCurrentContext();
     const std::string_view uri = OrEmpty(namespaceURI);
-    const std::string* prefix = nullptr;
-    NameParts parts{0, 0};
-    bool plain = false;
-    if (parent) {
-        if (uri.empty()) {
-            plain = !parent->m_inDefaultNamespace;  // else it undeclares the default
-        } else if (parent->m_inDefaultNamespace && uri == GetDefaultNamespace()) {
-            plain = true;
-            parts.ns = Unresolved;
-        } else if (!parent->m_prefix.empty() && parent->m_namespaceURI == uri) {
-            plain = true;
-            prefix = &parent->m_prefix;
-        }
-    }
-    if (!plain) {
+    const ChildName naming = ClassifyChildName(uri);
+    if (naming == ChildName::Declaration) {
         CXmlWriter::WriteSimpleElement(localName, namespaceURI, value, itemType);
         return;
     }
+    const std::string* prefix = naming == ChildName::ParentPrefix ? &parent->m_prefix : nullptr;
+    NameParts parts{0, 0};
+    if (naming == ChildName::DefaultNamespace) parts.ns = Unresolved;
     // What StartElement, WriteText and EndElement write for it, in their order.
     CompleteStart();
     WritePendingTerminator();

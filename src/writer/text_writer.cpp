@@ -272,23 +272,12 @@ void CXmlTextWriter::WriteSimpleElement(const char* localName, const char* names
     // The cases of StartElement where the name is written unprefixed or with
     // the parent's prefix and nothing is declared; the others take the long way.
     CXmlWriterContext* parent = GetCurrentContext();
-    const char* uri = OrEmpty(namespaceURI);
-    const std::string* prefix = nullptr;
-    bool plain = false;
-    if (parent) {
-        if (*uri == '\0') {
-            plain = !parent->m_inDefaultNamespace;  // else it undeclares the default
-        } else if (parent->m_inDefaultNamespace && GetDefaultNamespace() == uri) {
-            plain = true;
-        } else if (!parent->m_prefix.empty() && parent->m_namespaceURI == uri) {
-            plain = true;
-            prefix = &parent->m_prefix;
-        }
-    }
-    if (!plain) {
+    const ChildName naming = ClassifyChildName(OrEmpty(namespaceURI));
+    if (naming == ChildName::Declaration) {
         CXmlWriter::WriteSimpleElement(localName, namespaceURI, value, itemType);
         return;
     }
+    const std::string* prefix = naming == ChildName::ParentPrefix ? &parent->m_prefix : nullptr;
     if (parent->m_startTagOpen) {
         m_buffer.Append('>');
         if (m_formatted) WriteEol();

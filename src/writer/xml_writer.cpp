@@ -102,6 +102,16 @@ void CXmlWriter::WriteSimpleElement(const char* localName, const char* namespace
     EndElement();
 }
 
+CXmlWriter::ChildName CXmlWriter::ClassifyChildName(std::string_view namespaceURI) const {
+    const CXmlWriterContext* parent = m_current;
+    if (parent == nullptr) return ChildName::Declaration;
+    if (namespaceURI.empty())  // inside a default namespace it would be undeclared
+        return parent->m_inDefaultNamespace ? ChildName::Declaration : ChildName::NoNamespace;
+    if (parent->m_inDefaultNamespace && namespaceURI == m_defaultNamespaceURI) return ChildName::DefaultNamespace;
+    if (!parent->m_prefix.empty() && parent->m_namespaceURI == namespaceURI) return ChildName::ParentPrefix;
+    return ChildName::Declaration;
+}
+
 void CXmlWriter::EndElement() {
     if (!m_current) throw CQmException("An Element has not been opened.");
     m_current = m_current->m_parent;

@@ -109,6 +109,13 @@ protected:
     // The default namespace in scope at the context: the writer's, or empty.
     const std::string& GetDefaultNamespaceInScope(const CXmlWriterContext& context) const;
 
+    // How a child of the current element in namespaceURI is named when
+    // StartElement would declare nothing for it: without a prefix (in no
+    // namespace, or in the default one in scope) or with the parent's prefix.
+    // Declaration: StartElement would declare something (or there is no parent).
+    enum class ChildName { Declaration, NoNamespace, DefaultNamespace, ParentPrefix };
+    ChildName ClassifyChildName(std::string_view namespaceURI) const;
+
 private:
     std::string m_defaultNamespaceURI;
     CXmlWriterContext* m_current = nullptr;
