@@ -9,6 +9,21 @@
 namespace QmXmlLib10 {
 namespace fi_layout {
 
+// The nine XML declarations a document may start with, by declaration number
+// less one, and the four octets that identify the binary form.
+inline const char* const kDeclarations[] = {
+    "<?xml encoding='finf'?>",
+    "<?xml encoding='finf' standalone='yes'?>",
+    "<?xml encoding='finf' standalone='no'?>",
+    "<?xml version='1.0' encoding='finf'?>",
+    "<?xml version='1.0' encoding='finf' standalone='yes'?>",
+    "<?xml version='1.0' encoding='finf' standalone='no'?>",
+    "<?xml version='1.1' encoding='finf'?>",
+    "<?xml version='1.1' encoding='finf' standalone='yes'?>",
+    "<?xml version='1.1' encoding='finf' standalone='no'?>",
+};
+inline const unsigned char kIdentification[] = {0xE0, 0x00, 0x00, 0x01};
+
 // Each writes at `out` and returns the position after what it wrote; `high`
 // holds the bits already set in the current octet (those before the starting
 // bit), the layout fills the rest. Integers 1 to 2^20 (0 to 2^20 for the zero

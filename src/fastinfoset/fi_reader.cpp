@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "dom/xml_document_loading.h"
+#include "fastinfoset/fi_layouts.h"
 #include "platform/charset.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
@@ -15,19 +16,6 @@ namespace QmXmlLib10 {
 
 namespace {
 
-const char* const kDeclarations[] = {
-    "<?xml encoding='finf'?>",
-    "<?xml encoding='finf' standalone='yes'?>",
-    "<?xml encoding='finf' standalone='no'?>",
-    "<?xml version='1.0' encoding='finf'?>",
-    "<?xml version='1.0' encoding='finf' standalone='yes'?>",
-    "<?xml version='1.0' encoding='finf' standalone='no'?>",
-    "<?xml version='1.1' encoding='finf'?>",
-    "<?xml version='1.1' encoding='finf' standalone='yes'?>",
-    "<?xml version='1.1' encoding='finf' standalone='no'?>",
-};
-
-const unsigned char kIdentification[] = {0xE0, 0x00, 0x00, 0x01};
 
 [[noreturn]] void Fail(const char* what) { throw CQmException(std::string("Failed to parse FastInfoset. ") + what); }
 
@@ -85,11 +73,11 @@ void CFastInfosetReader::LoadVocabulary() {
 bool CFastInfosetReader::Parse(CXmlDocument& document, const unsigned char* data, std::size_t length) {
     std::size_t start = 0;
     auto identified = [&](std::size_t at) {
-        return length > at + 4 && std::memcmp(data + at, kIdentification, 4) == 0;
+        return length > at + 4 && std::memcmp(data + at, fi_layout::kIdentification, 4) == 0;
     };
     if (!identified(0)) {
         bool declared = false;
-        for (const char* declaration : kDeclarations) {
+        for (const char* declaration : fi_layout::kDeclarations) {
             const std::size_t n = std::strlen(declaration);
             if (length >= n && std::memcmp(data, declaration, n) == 0) {
                 start = n;

@@ -14,18 +14,6 @@ namespace QmXmlLib10 {
 
 namespace {
 
-const char* const kDeclarations[] = {
-    "<?xml encoding='finf'?>",
-    "<?xml encoding='finf' standalone='yes'?>",
-    "<?xml encoding='finf' standalone='no'?>",
-    "<?xml version='1.0' encoding='finf'?>",
-    "<?xml version='1.0' encoding='finf' standalone='yes'?>",
-    "<?xml version='1.0' encoding='finf' standalone='no'?>",
-    "<?xml version='1.1' encoding='finf'?>",
-    "<?xml version='1.1' encoding='finf' standalone='yes'?>",
-    "<?xml version='1.1' encoding='finf' standalone='no'?>",
-};
-
 inline const char* OrEmpty(const char* s) { return s ? s : ""; }
 
 using fi_layout::MaxIntegerOctets;
@@ -93,10 +81,10 @@ void CFastInfosetWriter::StartDocument() {
         throw CQmInvalidParamException(FormatString("Invalid Fast Infoset declaration [%d]", m_declaration));
     }
     if (m_declaration != FInfoDecl_None) {
-        const char* declaration = kDeclarations[m_declaration - 1];
+        const char* declaration = fi_layout::kDeclarations[m_declaration - 1];
         m_out.Append(declaration, std::strlen(declaration));
     }
-    m_out.Append("\xE0\x00\x00\x01", 4);
+    m_out.Append(reinterpret_cast<const char*>(fi_layout::kIdentification), 4);
     if (!m_useGeneratedVocabulary) {
         Out(0x00);
         return;

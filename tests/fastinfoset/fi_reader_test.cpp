@@ -15,6 +15,7 @@
 
 #include "dom/xml_document_loading.h"
 #include "fastinfoset/fi_reader.h"
+#include "same_tree.h"
 
 using namespace QmXmlLib10;
 
@@ -54,37 +55,12 @@ Octets Encode(const std::string& xml, FInfoDecl declaration = FInfoDecl_None) {
     return Of(element->ToFastInfosetStream(declaration));
 }
 
-// Names, namespaces, attributes in order, text and children.
-void ExpectSameTree(const CXmlElement* expected, const CXmlElement* actual, const std::string& path = "") {
-    ASSERT_NE(actual, nullptr) << path;
-    const std::string here = path + "/" + expected->GetLocalName();
-    ASSERT_EQ(actual->GetLocalName(), expected->GetLocalName()) << here;
-    ASSERT_EQ(actual->GetNamespaceURI(), expected->GetNamespaceURI()) << here;
-    const auto& ea = expected->GetAttributes();
-    const auto& aa = actual->GetAttributes();
-    ASSERT_EQ(aa.size(), ea.size()) << here;
-    for (std::size_t i = 0; i < ea.size(); ++i) {
-        EXPECT_EQ(aa[i]->GetLocalName(), ea[i]->GetLocalName()) << here;
-        EXPECT_EQ(aa[i]->GetNamespaceURI(), ea[i]->GetNamespaceURI()) << here;
-        EXPECT_EQ(aa[i]->GetValue(), ea[i]->GetValue()) << here;
-    }
-    EXPECT_EQ(actual->GetText(), expected->GetText()) << here;
-    // Siblings iteratively, depth by recursion: the corpora here are shallow.
-    const CXmlElement* a = actual->GetFirstElement();
-    for (const CXmlElement* e = expected->GetFirstElement(); e; e = e->GetNextSiblingElement()) {
-        ExpectSameTree(e, a, here);
-        if (::testing::Test::HasFatalFailure() || a == nullptr) return;
-        a = a->GetNextSiblingElement();
-    }
-    EXPECT_EQ(a, nullptr) << here << ": more children than expected";
-}
-
 void ExpectRoundTrip(const std::string& xml, FInfoDecl declaration = FInfoDecl_None) {
     CXmlDocument text;
     text.LoadXml(xml.c_str());
     CXmlDocument binary;
     Load(binary, Encode(xml, declaration));
-    ExpectSameTree(text.GetDocumentElement(), binary.GetDocumentElement());
+    EXPECT_TRUE(qmxml_test::SameTree(text.GetDocumentElement(), binary.GetDocumentElement()));
 }
 
 }  // namespace
