@@ -120,20 +120,6 @@ inline CXmlWriter::CXmlWriterContext& CFastInfosetWriter::RequireContext() const
     return *context;
 }
 
-void CFastInfosetWriter::AllocatePrefix(const CXmlWriterContext& context, std::string& prefix) const {
-    for (int n = 0; n < 26 * 26; ++n) {
-        const char candidate[2] = {static_cast<char>('A' + n / 26), static_cast<char>('A' + n % 26)};
-        if (!context.IsPrefixInScope(std::string_view(candidate, 2))) {
-            prefix.assign(candidate, 2);
-            return;
-        }
-    }
-    for (unsigned n = 0;; ++n) {
-        prefix = "NS" + std::to_string(n);
-        if (!context.IsPrefixInScope(prefix)) return;
-    }
-}
-
 // --- Elements and attributes ---------------------------------------------------
 
 void CFastInfosetWriter::StartElement(const char* localName, const char* namespaceURI) {

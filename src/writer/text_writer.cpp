@@ -142,21 +142,6 @@ void CXmlTextWriter::CloseStartTag(bool asChild) {
     context->m_startTagOpen = false;
 }
 
-void CXmlTextWriter::AllocatePrefix(const CXmlWriterContext& context, std::string& prefix) const {
-    for (int n = 0; n < 26 * 26; ++n) {
-        const char candidate[2] = {static_cast<char>('A' + n / 26), static_cast<char>('A' + n % 26)};
-        if (!context.IsPrefixInScope(std::string_view(candidate, 2))) {
-            prefix.assign(candidate, 2);
-            return;
-        }
-    }
-    // Only reached with 676 prefixes in scope: go on with numbered ones.
-    for (unsigned n = 0;; ++n) {
-        prefix = "NS" + std::to_string(n);
-        if (!context.IsPrefixInScope(prefix)) return;
-    }
-}
-
 void CXmlTextWriter::StartElement(const char* localName, const char* namespaceURI) {
     // The parent's start tag closes first; the base then counts the child.
     if (CXmlWriterContext* parent = GetCurrentContext(); parent && parent->m_startTagOpen) {

@@ -102,6 +102,21 @@ void CXmlWriter::WriteSimpleElement(const char* localName, const char* namespace
     EndElement();
 }
 
+void CXmlWriter::AllocatePrefix(const CXmlWriterContext& context, std::string& prefix) {
+    for (int n = 0; n < 26 * 26; ++n) {
+        const char candidate[2] = {static_cast<char>('A' + n / 26), static_cast<char>('A' + n % 26)};
+        if (!context.IsPrefixInScope(std::string_view(candidate, 2))) {
+            prefix.assign(candidate, 2);
+            return;
+        }
+    }
+    // Only reached with 676 prefixes in scope: go on with numbered ones.
+    for (unsigned n = 0;; ++n) {
+        prefix = "NS" + std::to_string(n);
+        if (!context.IsPrefixInScope(prefix)) return;
+    }
+}
+
 CXmlWriter::ChildName CXmlWriter::ClassifyChildName(std::string_view namespaceURI) const {
     const CXmlWriterContext* parent = m_current;
     if (parent == nullptr) return ChildName::Declaration;

@@ -141,7 +141,6 @@ private:
     void Out(unsigned char octet) { m_out.Put(octet); }
     void Flush() noexcept;
     inline CXmlWriterContext& RequireContext() const;
-    void AllocatePrefix(const CXmlWriterContext& context, std::string& prefix) const;
     inline void WritePendingTerminator();
     // Writes the current element's pending start, if any.
     void CompleteStart() {

@@ -80,8 +80,6 @@ private:
     // formatted, a line end; asChild also counts a child.
     void CloseStartTag(bool asChild);
     CXmlWriterContext& RequireContext() const;
-    // The first of "AA", "AB", ... not declared in the context's scope.
-    void AllocatePrefix(const CXmlWriterContext& context, std::string& prefix) const;
     void FlushIfFull() {
         if (m_buffer.GetLength() >= FlushThreshold) m_stream.Flush();
     }

@@ -108,6 +108,8 @@ protected:
     CXmlWriterContext* GetCurrentContext() const { return m_current; }
     // The default namespace in scope at the context: the writer's, or empty.
     const std::string& GetDefaultNamespaceInScope(const CXmlWriterContext& context) const;
+    // A prefix not in scope at the context: "AA", "AB", ... "ZZ", then "NS0", "NS1", ...
+    static void AllocatePrefix(const CXmlWriterContext& context, std::string& prefix);
 
     // How a child of the current element in namespaceURI is named when
     // StartElement would declare nothing for it: without a prefix (in no
