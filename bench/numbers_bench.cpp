@@ -96,6 +96,14 @@ void BM_DecimalParse(benchmark::State& state) {
 }
 BENCHMARK(BM_DecimalParse);
 
+// As bound values are read: the conversion with the collapse rule applied.
+void BM_DecimalFromString(benchmark::State& state) {
+    RunBatches(state, GetInputs().decimalTexts, [](const auto& text) {
+        benchmark::DoNotOptimize(CConversions::decimalFromString(text, CWhitespaceUtils::WhitespaceRule_Collapse));
+    });
+}
+BENCHMARK(BM_DecimalFromString);
+
 void BM_DecimalParse_Strtod(benchmark::State& state) {
     RunBatches(state, GetInputs().decimalTexts, [](const auto& text) {
         benchmark::DoNotOptimize(std::strtod(text.c_str(), nullptr));
@@ -172,6 +180,13 @@ void BM_IntegerParse_FromChars(benchmark::State& state) {
     });
 }
 BENCHMARK(BM_IntegerParse_FromChars);
+
+void BM_I8FromString(benchmark::State& state) {
+    RunBatches(state, GetInputs().integerTexts, [](const auto& text) {
+        benchmark::DoNotOptimize(CConversions::i8FromString(text, CWhitespaceUtils::WhitespaceRule_Collapse));
+    });
+}
+BENCHMARK(BM_I8FromString);
 
 void BM_IntegerPrint(benchmark::State& state) {
     RunBatches(state, GetInputs().bigIntegers, [](const auto& value) {
@@ -323,8 +338,10 @@ int main(int argc, char** argv) {
     std::printf("\ntime ratio qmxml / baseline (same run):\n");
     reporter.PrintRatio("BM_DecimalParse", "BM_DecimalParse_Strtod");
     reporter.PrintRatio("BM_DecimalParse", "BM_DecimalParse_FromChars");
+    reporter.PrintRatio("BM_DecimalFromString", "BM_DecimalParse_FromChars");
     reporter.PrintRatio("BM_DecimalPrint", "BM_DecimalPrint_ToChars");
     reporter.PrintRatio("BM_IntegerParse", "BM_IntegerParse_FromChars");
+    reporter.PrintRatio("BM_I8FromString", "BM_IntegerParse_FromChars");
     reporter.PrintRatio("BM_IntegerPrint", "BM_IntegerPrint_ToChars");
     reporter.PrintRatio("BM_DoubleParse", "BM_DecimalParse_Strtod");
     reporter.PrintRatio("BM_DoublePrint", "BM_DoublePrint_Snprintf");

@@ -52,23 +52,23 @@ CDecimal::CDecimal(double value) {
     // C locale's decimal point.
     char buffer[400];
     const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 13);
-    Parse(std::string(buffer, result.ptr));
+    Parse(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
 }
 
-CDecimal::CDecimal(const char* text) { Parse(text != nullptr ? std::string(text) : std::string()); }
+CDecimal::CDecimal(const char* text) { Parse(text != nullptr ? std::string_view(text) : std::string_view()); }
 
 CDecimal::CDecimal(const std::string& text) { Parse(text); }
 
 CDecimal::CDecimal(const CBigInteger& integerPart, const CBigInteger& fraction, int scale)
     : m_integer(integerPart), m_fraction(fraction), m_scale(scale) {}
 
-void CDecimal::Parse(const std::string& text) {
+void CDecimal::Parse(std::string_view text) {
     const std::size_t n = text.size();
     const auto fail = [&text](std::size_t position) {
         throw CQmInvalidValueException(
             FormatString("The string representing a Decimal, contained an invalid char at position %d [%s]",
                          static_cast<int>(std::min<std::size_t>(position, std::numeric_limits<int>::max())),
-                         text.c_str()));
+                         std::string(text).c_str()));
     };
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
 
@@ -78,21 +78,24 @@ void CDecimal::Parse(const std::string& text) {
         sign = text[pos] == '-' ? -1 : 1;
         ++pos;
     }
-    std::string mantissa;  // digits only, most significant first
-    std::size_t fractionDigits = 0;
-    bool point = false;
+    // One scan finds the digits before and after the point; they are read
+    // from the text afterwards, straight into their final places.
+    const std::size_t mantissaStart = pos;
+    std::size_t pointAt = std::string_view::npos;
     for (; pos < n; ++pos) {
         const char c = text[pos];
-        if (isDigit(c)) {
-            mantissa.push_back(c);
-            fractionDigits += point ? 1 : 0;
-        } else if (c == '.' && !point) {
-            point = true;
-        } else {
+        if (c == '.' && pointAt == std::string_view::npos) {
+            pointAt = pos;
+        } else if (!isDigit(c)) {
             break;
         }
     }
-    if (mantissa.empty()) {
+    const std::size_t mantissaEnd = pos;
+    const bool point = pointAt != std::string_view::npos;
+    const std::size_t integerDigits = (point ? pointAt : mantissaEnd) - mantissaStart;
+    const std::size_t fractionDigits = point ? mantissaEnd - pointAt - 1 : 0;
+    const std::size_t count = integerDigits + fractionDigits;
+    if (count == 0) {
         fail(pos);
     }
     long long exponent = 0;
@@ -118,17 +121,59 @@ void CDecimal::Parse(const std::string& text) {
         fail(pos);
     }
     if (exponent > kMaxExponent || exponent < -kMaxExponent) {
-        throw CQmInvalidValueException(FormatString("The exponent of the Decimal is out of range [%s]", text.c_str()));
+        throw CQmInvalidValueException(
+            FormatString("The exponent of the Decimal is out of range [%s]", std::string(text).c_str()));
     }
-
-    Digits digits;
-    CBigInteger::Build(mantissa, digits);
     const long long scale = static_cast<long long>(fractionDigits) - exponent;
-    if (scale < 0) {
-        CBigInteger::ShiftLeft(digits, static_cast<int>(-scale));
+    CheckedScale(std::max(scale, 0LL));
+
+    // Mantissa digit i, most significant first, skipping the point.
+    const char* const integerText = text.data() + mantissaStart;
+    const char* const fractionText = point ? text.data() + pointAt + 1 : integerText + integerDigits;
+    const auto digitAt = [&](std::size_t i) {
+        return static_cast<signed char>((i < integerDigits ? integerText[i] : fractionText[i - integerDigits]) - '0');
+    };
+    // The last `split` digits belong to the fraction, the others to the
+    // integer part, which gains -scale zeros when the exponent moves the
+    // point past the last digit.
+    const std::size_t split = scale > 0 ? std::min(count, static_cast<std::size_t>(scale)) : 0;
+    const std::size_t integerEnd = count - split;
+    std::size_t first = 0;  // first significant digit
+    while (first < integerEnd && digitAt(first) == 0) {
+        ++first;
     }
-    SetUnscaled(CBigInteger(sign, std::move(digits)), CheckedScale(std::max(scale, 0LL)));
-    Rationalise();
+    // Written in place: both parts are still zero here, and a part that
+    // stays zero keeps the positive sign.
+    if (first < integerEnd) {
+        const std::size_t zeros = scale < 0 ? static_cast<std::size_t>(-scale) : 0;
+        Digits& digits = m_integer.m_digits;
+        digits.assign(integerEnd - first + zeros, 0);
+        for (std::size_t i = first, k = digits.size(); i < integerEnd; ++i) {
+            digits[--k] = digitAt(i);
+        }
+        m_integer.m_sign = sign;
+    }
+    // The fraction without its leading and trailing zeros; the scale loses
+    // the trailing ones.
+    std::size_t low = count;
+    while (low > integerEnd && digitAt(low - 1) == 0) {
+        --low;
+    }
+    if (low == integerEnd) {
+        m_scale = 0;
+        return;
+    }
+    std::size_t high = integerEnd;
+    while (digitAt(high) == 0) {
+        ++high;
+    }
+    Digits& digits = m_fraction.m_digits;
+    digits.resize(low - high);
+    for (std::size_t i = high, k = digits.size(); i < low; ++i) {
+        digits[--k] = digitAt(i);
+    }
+    m_fraction.m_sign = sign;
+    m_scale = static_cast<int>(scale - static_cast<long long>(count - low));
 }
 
 // --- Representation -------------------------------------------------------------------

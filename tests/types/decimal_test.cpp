@@ -46,6 +46,68 @@ TEST(DecimalTest, ParsesAndPrintsRationalised) {
     EXPECT_EQ("0", Str(D()));
 }
 
+// The parser places the digits straight into the integer part and the
+// fraction; these check each boundary of that split through what the value
+// then prints, compares and computes.
+TEST(DecimalTest, ParseSplitsTheDigitsAtThePoint) {
+    const auto same = [](const char* text, const char* expected) { EXPECT_EQ(expected, Str(D(text))) << text; };
+    same("100.000", "100");        // integer zeros kept, fraction zeros dropped
+    same("000123.4500", "123.45");
+    same("0.000", "0");
+    same("-000", "0");
+    same("0.", "0");
+    same("5.", "5");
+    same("-5.", "-5");
+    same(".5", "0.5");
+    same("-.5", "-0.5");
+    same("+.050", "0.05");
+    same("0.0050", "0.005");
+    same("10.01", "10.01");
+    same("673392.91", "673392.91");
+    EXPECT_FALSE(D("-0.0").GetNegative());
+    EXPECT_EQ("0.00", D("-0.0").ToString(2));
+    EXPECT_TRUE(D("-0.01").GetNegative());
+    EXPECT_TRUE(D("-.5").GetNegative());
+    EXPECT_EQ("0", D("-.5").ToBigInteger().ToString());  // a zero integer part is unsigned
+    EXPECT_EQ("100.5", Str(D("100.000") + D("0.5")));
+    EXPECT_EQ("0.01", Str(D("0.0050") + D("0.0050")));
+    EXPECT_EQ("11", Str(D("1.10") * D(10)));
+    EXPECT_TRUE(D("000123.4500") == D("123.45"));
+    EXPECT_TRUE(D("0.0050") < D("0.0051"));
+    EXPECT_EQ(123, D("000123.4500").ToLong());
+    ExpectThrow<CQmInvalidValueException>([] { D(static_cast<const char*>(nullptr)); }, InvalidChar(0, ""));
+}
+
+TEST(DecimalTest, ParseMovesThePointAcrossTheDigits) {
+    const auto same = [](const char* text, const char* expected) { EXPECT_EQ(expected, Str(D(text))) << text; };
+    same("12.34e1", "123.4");
+    same("12.34e2", "1234");       // the point lands after the last digit
+    same("12.34e3", "12340");      // and beyond it: the integer part gains zeros
+    same("12.34E-1", "1.234");
+    same("12.34e-2", "0.1234");    // before the first digit
+    same("12.340e-5", "0.0001234");
+    same("0.0012e4", "12");
+    same("1200e-2", "12");
+    same("1200e-4", "0.12");
+    same("1200e-6", "0.0012");
+    same(".5e1", "5");
+    same("5.e-1", "0.5");
+    same("0012.3400e-3", "0.01234");
+    same("1.05e1", "10.5");
+    same("10.50e1", "105");
+    same("-1.5e1", "-15");
+    same("-150e-3", "-0.15");
+    same("-0.5e0", "-0.5");
+    same("0.000e5", "0");
+    EXPECT_FALSE(D("-0.0e5").GetNegative());
+    EXPECT_FALSE(D("-0e-5").GetNegative());
+    EXPECT_EQ("1.2340", D("12.3400e-1").ToString(4));
+    EXPECT_EQ(129, D("12.99e1").ToLong());
+    EXPECT_EQ("-5", D("-0.5e1").ToBigInteger().ToString());
+    EXPECT_TRUE(D("1.5e1") == D(15));
+    EXPECT_EQ("15.5", Str(D("1.5e1") + D("5e-1")));
+}
+
 TEST(DecimalTest, AppendTextAppendsWhatToStringGives) {
     for (const char* text : {"1.50", "-0.05", "007", "-0.000", "-123.000456", "0.00010", "-42", "99999999999999999999.5"}) {
         std::string out = "x";

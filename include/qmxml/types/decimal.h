@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include <qmxml/types/big_integer.h>
 
@@ -105,8 +106,9 @@ private:
     // CQmInvalidValueException "The string representing a Decimal, contained
     // an invalid char at position %d [%s]", positions counted from 0. An
     // exponent beyond kMaxExponent throws "The exponent of the Decimal is out
-    // of range [%s]" rather than building a gigantic number.
-    void Parse(const std::string& text);
+    // of range [%s]" rather than building a gigantic number. Runs on a zero
+    // value only (the constructors).
+    void Parse(std::string_view text);
     void Rationalise();
     // Rescales the fraction; dropping digits rounds to the nearest, an exact
     // half toward zero, with the carry reaching the integer part.
