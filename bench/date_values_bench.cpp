@@ -3,6 +3,7 @@
 // std::from_chars of one integer), so the figures read as ratios.
 #include <benchmark/benchmark.h>
 
+#include <qmxml/types/conversions.h>
 #include <qmxml/types/date_time.h>
 #include <qmxml/types/date_time_span.h>
 
@@ -134,6 +135,14 @@ void BM_DateTimeParseBaselineFromChars(benchmark::State& state) {
 }
 BENCHMARK(BM_DateTimeParseBaselineFromChars);
 
+// As bound values are read: the conversion with the collapse rule applied.
+void BM_DateTimeFromString(benchmark::State& state) {
+    RunCycling(state, DateTimeTexts(), [](const std::string& text) {
+        benchmark::DoNotOptimize(CConversions::datetimeFromString(text, CWhitespaceUtils::WhitespaceRule_Collapse));
+    });
+}
+BENCHMARK(BM_DateTimeFromString);
+
 void BM_DateTimePrint(benchmark::State& state) {
     std::vector<CDateTime> values;
     for (const std::string& text : DateTimeTexts()) {
@@ -170,6 +179,13 @@ void BM_DateParseBaselineSscanf(benchmark::State& state) {
     });
 }
 BENCHMARK(BM_DateParseBaselineSscanf);
+
+void BM_DateFromString(benchmark::State& state) {
+    RunCycling(state, DateTexts(), [](const std::string& text) {
+        benchmark::DoNotOptimize(CConversions::dateFromString(text, CWhitespaceUtils::WhitespaceRule_Collapse));
+    });
+}
+BENCHMARK(BM_DateFromString);
 
 void BM_DatePrint(benchmark::State& state) {
     std::vector<CDateTime> values;

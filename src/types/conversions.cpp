@@ -8,61 +8,13 @@
 #include <system_error>
 
 #include "qmxml/core/exception.h"
+#include "types/whitespace_rule.h"
 
 namespace QmXmlLib10 {
 
 namespace {
 
-using Rule = CWhitespaceUtils::WhitespaceRule;
-
-// Whether applying the rule would give a text other than the input. Numbers
-// are parsed once per value of large documents; the common clean text is then
-// parsed in place instead of being copied.
-bool RuleChanges(Rule rule, const std::string& text) {
-    switch (rule) {
-    case CWhitespaceUtils::WhitespaceRule_None:
-        return false;
-    case CWhitespaceUtils::WhitespaceRule_Preserve:
-        return text.find('\r') != std::string::npos;
-    case CWhitespaceUtils::WhitespaceRule_Replace:
-        return text.find_first_of("\t\n\r") != std::string::npos;
-    case CWhitespaceUtils::WhitespaceRule_Collapse: {
-        if (text.empty()) {
-            return false;
-        }
-        if (text.front() == ' ' || text.back() == ' ') {
-            return true;
-        }
-        bool lastWasSpace = false;
-        for (const char c : text) {
-            // Collapse always rebuilds, which also ends the text at a zero byte.
-            if (c == '\t' || c == '\n' || c == '\r' || c == '\0') {
-                return true;
-            }
-            if (c == ' ') {
-                if (lastWasSpace) {
-                    return true;
-                }
-                lastWasSpace = true;
-            } else {
-                lastWasSpace = false;
-            }
-        }
-        return false;
-    }
-    }
-    return true;  // unknown rule: ApplyRule reports it
-}
-
-// The text after the rule: the input itself when the rule leaves it as it is,
-// otherwise the rebuilt text held in storage.
-const std::string& Ruled(const std::string& text, Rule rule, std::string& storage) {
-    if (!RuleChanges(rule, text)) {
-        return text;
-    }
-    storage = CWhitespaceUtils::ApplyRule(rule, text);
-    return storage;
-}
+using whitespace::Ruled;
 
 // The characters the C library's number conversions skip before a number.
 bool IsCSpace(char c) {

@@ -7,6 +7,8 @@
 #include <qmxml/types/date_time.h>
 #include <qmxml/types/date_time_span.h>
 
+#include "types/whitespace_rule.h"
+
 namespace QmXmlLib10 {
 
 namespace {
@@ -22,7 +24,8 @@ void RefuseEmbeddedZero(const std::string& text, const char* format) {
 
 CDateTime ParseAs(const std::string& text, CWhitespaceUtils::WhitespaceRule rule, CDateTime::DTType type,
                   const char* zeroFormat) {
-    const std::string ruled = CWhitespaceUtils::ApplyRule(rule, text);
+    std::string storage;
+    const std::string& ruled = whitespace::Ruled(text, rule, storage);
     RefuseEmbeddedZero(ruled, zeroFormat);
     CDateTime value;
     value.ParseXSD(ruled.c_str(), type);
@@ -36,7 +39,8 @@ std::string CConversions::durationToString(const CDateTimeSpan& value) {
 }
 
 CDateTimeSpan CConversions::durationFromString(const std::string& text, WhitespaceRule rule) {
-    const std::string ruled = CWhitespaceUtils::ApplyRule(rule, text);
+    std::string storage;
+    const std::string& ruled = whitespace::Ruled(text, rule, storage);
     RefuseEmbeddedZero(ruled, "Invalid XSD Duration [%s] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]");
     CDateTimeSpan value;
     value.ParseXSDDuration(ruled.c_str());

@@ -6,6 +6,7 @@
 #include "qmxml/types/big_integer.h"
 #include "qmxml/types/conversions.h"
 #include "qmxml/types/decimal.h"
+#include "types/whitespace_rule.h"
 
 namespace QmXmlLib10 {
 
@@ -22,13 +23,15 @@ std::string CConversions::decimalToString(const CDecimal& value, const std::stri
 }
 
 CDecimal CConversions::decimalFromString(const std::string& text, WhitespaceRule rule) {
-    return CDecimal(CWhitespaceUtils::ApplyRule(rule, text));
+    std::string storage;
+    return CDecimal(whitespace::Ruled(text, rule, storage));
 }
 
 std::string CConversions::integerToString(const CBigInteger& value) { return value.ToString(); }
 
 CBigInteger CConversions::integerFromString(const std::string& text, WhitespaceRule rule) {
-    return CBigInteger(CWhitespaceUtils::ApplyRule(rule, text));
+    std::string storage;
+    return CBigInteger(whitespace::Ruled(text, rule, storage));
 }
 
 }  // namespace QmXmlLib10

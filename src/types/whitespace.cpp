@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "qmxml/core/exception.h"
+#include "types/whitespace_rule.h"
 
 namespace QmXmlLib10 {
 
@@ -78,6 +79,9 @@ std::string CWhitespaceUtils::Replace(const std::string& text) {
 }
 
 std::string CWhitespaceUtils::Collapse(const std::string& text) {
+    if (!whitespace::RuleChanges(WhitespaceRule_Collapse, text)) {
+        return text;
+    }
     std::string out;
     out.reserve(text.size());
     bool lastWasSpace = true;  // drops leading whitespace
@@ -113,4 +117,43 @@ std::string CWhitespaceUtils::ApplyRule(WhitespaceRule rule, const std::string& 
     throw CQmException("Unknown WhitespaceRule");
 }
 
+namespace whitespace {
+
+bool RuleChanges(CWhitespaceUtils::WhitespaceRule rule, std::string_view text) noexcept {
+    switch (rule) {
+    case CWhitespaceUtils::WhitespaceRule_None:
+        return false;
+    case CWhitespaceUtils::WhitespaceRule_Preserve:
+        return text.find('\r') != std::string_view::npos;
+    case CWhitespaceUtils::WhitespaceRule_Replace:
+        return text.find_first_of("\t\n\r") != std::string_view::npos;
+    case CWhitespaceUtils::WhitespaceRule_Collapse: {
+        if (text.empty()) {
+            return false;
+        }
+        if (text.front() == ' ' || text.back() == ' ') {
+            return true;
+        }
+        bool lastWasSpace = false;
+        for (const char c : text) {
+            // A rebuilt text also ends at a zero byte, so one means a change.
+            if (c == '\t' || c == '\n' || c == '\r' || c == '\0') {
+                return true;
+            }
+            if (c == ' ') {
+                if (lastWasSpace) {
+                    return true;
+                }
+                lastWasSpace = true;
+            } else {
+                lastWasSpace = false;
+            }
+        }
+        return false;
+    }
+    }
+    return true;
+}
+
+}  // namespace whitespace
 }  // namespace QmXmlLib10

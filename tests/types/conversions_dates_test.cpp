@@ -108,6 +108,27 @@ TEST(ConversionsDatesTest, WhitespaceRuleComesFirst) {
     }
 }
 
+TEST(ConversionsDatesTest, CleanAndRebuiltTextsUnderEveryRule) {
+    for (const auto rule : {kNone, kPreserve, kReplace, kCollapse}) {
+        EXPECT_EQ("2001-10-26", C::dateFromString("2001-10-26", rule).ToString()) << rule;
+        EXPECT_EQ("2001-10-26T01:02:03Z", C::datetimeFromString("2001-10-26T01:02:03Z", rule).ToString()) << rule;
+        EXPECT_EQ("P1D", C::durationToString(C::durationFromString("P1D", rule))) << rule;
+        EXPECT_EQ("2001-10", C::yearMonthFromString("2001-10", rule).ToString()) << rule;
+    }
+    ExpectInvalid([] { C::dateFromString("2001-10-26\r\n", kPreserve); },
+                  DateExpected("2001-10-26\n", "CCYY-MM-DD"));
+    ExpectInvalid([] { C::dateFromString("2001-10-26\t", kReplace); }, DateExpected("2001-10-26 ", "CCYY-MM-DD"));
+    ExpectInvalid([] { C::yearMonthFromString("2001-10 ", kReplace); }, DateExpected("2001-10 ", "CCYY-MM"));
+    EXPECT_EQ("2001-10", C::yearMonthFromString("2001-10 ", kCollapse).ToString());
+    // Collapse rebuilds a text holding a zero byte, which ends it there.
+    EXPECT_EQ("2001-10-26", C::dateFromString("2001-10-26\0junk"s, kCollapse).ToString());
+    EXPECT_EQ("P1D", C::durationToString(C::durationFromString("P1D\0X"s, kCollapse)));
+    ExpectInvalid([] { C::dateFromString("2001-10-26\0junk"s, kPreserve); },
+                  DateExpected("2001-10-26", "CCYY-MM-DD"));
+    ExpectInvalid([] { C::durationFromString("P1D\0X"s, kReplace); },
+                  "Invalid XSD Duration [P1D] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]");
+}
+
 TEST(ConversionsDatesTest, ZeroByteInsideTheTextIsRefused) {
     const std::string date = "2001-10-26\0junk"s;
     ExpectInvalid([&] { C::dateFromString(date, kNone); }, DateExpected("2001-10-26", "CCYY-MM-DD"));

@@ -5,6 +5,8 @@
 #include <string>
 #include <typeinfo>
 
+using namespace std::string_literals;
+
 #include <qmxml/core/exception.h>
 #include <qmxml/types/big_integer.h>
 #include <qmxml/types/decimal.h>
@@ -27,6 +29,34 @@ TEST(ConversionsNumbersTest, DecimalFromStringAppliesTheRuleFirst) {
     ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString(" 1 5 ", kCollapse); }, InvalidChar(1, "1 5"));
     ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString("", kCollapse); }, InvalidChar(0, ""));
     ExpectThrow<CQmException>([] { C::decimalFromString("1", static_cast<CWhitespaceUtils::WhitespaceRule>(7)); },
+                              "Unknown WhitespaceRule");
+}
+
+// Texts the rule leaves alone are parsed where they are; the others are
+// parsed, and quoted in messages, as the rule rebuilt them.
+TEST(ConversionsNumbersTest, DecimalAndIntegerUnderEveryRule) {
+    for (const auto rule : {kNone, kPreserve, kReplace, kCollapse}) {
+        EXPECT_EQ("1.5", C::decimalFromString("1.50", rule).ToString()) << rule;
+        EXPECT_EQ("-673392.91", C::decimalFromString("-673392.91", rule).ToString()) << rule;
+        EXPECT_EQ("-42", C::integerFromString("-42", rule).ToString()) << rule;
+    }
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString(" 1.5", kPreserve); }, InvalidChar(0, " 1.5"));
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString("1.5\r\n", kPreserve); },
+                                          InvalidChar(3, "1.5\n"));
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString("1.5\n", kReplace); }, InvalidChar(3, "1.5 "));
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString("1.5  ", kReplace); }, InvalidChar(3, "1.5  "));
+    EXPECT_EQ("1.5", C::decimalFromString("1.5 ", kCollapse).ToString());
+    EXPECT_EQ("-1.5", C::decimalFromString("\n-1.50", kCollapse).ToString());
+    // A rebuilt text ends at a zero byte; one left in place is an invalid char.
+    EXPECT_EQ("1.5", C::decimalFromString("1.5\0" "9"s, kCollapse).ToString());
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString("1.5\0" "9"s, kNone); }, InvalidChar(3, "1.5"));
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString("1.5\0" "9"s, kPreserve); },
+                                          InvalidChar(3, "1.5"));
+    EXPECT_EQ("12", C::integerFromString("12\t", kCollapse).ToString());
+    EXPECT_EQ("12", C::integerFromString("12\0" "3"s, kCollapse).ToString());
+    EXPECT_EQ("12", C::integerFromString(" 12\n", kPreserve).ToString());  // the integer parser trims blanks
+    ExpectThrow<CQmInvalidValueException>([] { C::integerFromString("1\t2", kReplace); }, InvalidChar(1, "1 2"));
+    ExpectThrow<CQmException>([] { C::integerFromString("1", static_cast<CWhitespaceUtils::WhitespaceRule>(7)); },
                               "Unknown WhitespaceRule");
 }
 

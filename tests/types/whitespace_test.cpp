@@ -60,6 +60,25 @@ TEST(WhitespaceTest, CollapseTrimsAndJoinsRuns) {
     EXPECT_EQ("a", WS::Collapse("a\0 b"s));
 }
 
+// A text that is already collapsed is returned as it is; one offending
+// character anywhere makes Collapse rebuild it.
+TEST(WhitespaceTest, CollapseKeepsCleanTextAndRebuildsOnAnyBlemish) {
+    EXPECT_EQ("a b c", WS::Collapse("a b c"));
+    EXPECT_EQ("-12.5", WS::Collapse("-12.5"));
+    EXPECT_EQ("a b", WS::Collapse("a  b"));
+    EXPECT_EQ("a", WS::Collapse(" a"));
+    EXPECT_EQ("a", WS::Collapse("a "));
+    EXPECT_EQ("", WS::Collapse(" "));
+    EXPECT_EQ("a b", WS::Collapse("a\tb"));
+    EXPECT_EQ("a b", WS::Collapse("a\nb"));
+    EXPECT_EQ("a b", WS::Collapse("a\rb"));
+    EXPECT_EQ("a", WS::Collapse("a\tb"s.substr(0, 2)));
+    EXPECT_EQ("ab", WS::Collapse("ab\0c"s));
+    EXPECT_EQ("\xC3\xA9 \xC3\xA9", WS::Collapse("\xC3\xA9 \xC3\xA9"));
+    EXPECT_EQ("x y", WS::ApplyRule(WS::WhitespaceRule_Collapse, "x y"));
+    EXPECT_EQ("x y", WS::ApplyRule(WS::WhitespaceRule_Collapse, "x \n y"));
+}
+
 TEST(WhitespaceTest, ApplyRuleDispatchesAndRejectsUnknownRules) {
     const std::string text = " a\r\n\tb ";
     EXPECT_EQ(text, WS::ApplyRule(WS::WhitespaceRule_None, text));
