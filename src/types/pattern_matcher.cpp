@@ -3,6 +3,7 @@
 
 #include <pcre2.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -254,14 +255,23 @@ Compiled Compile(const std::string& utf8Pattern, bool jit) {
         FormatString("Invalid Regular Expression: %s Error: '%s'", xsdPattern.c_str(), error.c_str()));
 }
 
+// PCRE2 checks that a UTF subject is valid UTF-8 at every call, a good part
+// of matching a short value. Pure ASCII is valid by construction, so the
+// check is skipped for it only; anything else keeps it and its errors.
+std::uint32_t SubjectOptions(const std::string& value) {
+    const bool ascii = std::all_of(value.begin(), value.end(),
+                                   [](char c) { return (static_cast<unsigned char>(c) & 0x80) == 0; });
+    return ascii ? PCRE2_NO_UTF_CHECK : 0;
+}
+
 bool Run(const pcre2_code* code, pcre2_match_data* data, const std::string& value, const std::string& xsdPattern) {
-    int rc = pcre2_match(code, reinterpret_cast<PCRE2_SPTR>(value.data()), value.size(), 0, 0, data,
-                         MatchContext());
+    const auto subject = reinterpret_cast<PCRE2_SPTR>(value.data());
+    const std::uint32_t options = SubjectOptions(value);
+    int rc = pcre2_match(code, subject, value.size(), 0, options, data, MatchContext());
     // The machine code runs on a small fixed stack; the interpreter's limits
     // decide what a deeper match may use.
     if (rc == PCRE2_ERROR_JIT_STACKLIMIT)
-        rc = pcre2_match(code, reinterpret_cast<PCRE2_SPTR>(value.data()), value.size(), 0, PCRE2_NO_JIT, data,
-                         MatchContext());
+        rc = pcre2_match(code, subject, value.size(), 0, options | PCRE2_NO_JIT, data, MatchContext());
     if (rc >= 0) return true;
     if (rc == PCRE2_ERROR_NOMATCH) return false;
     throw CQmException(FormatString("Failed to match the Regular Expression: %s Error: '%s'", xsdPattern.c_str(),

@@ -18,6 +18,7 @@
 
 using namespace QmXmlLib10;
 using qmxml_test::ExpectThrow;
+using namespace std::string_literals;
 
 namespace {
 
@@ -429,6 +430,42 @@ TEST(PatternMatchingTest, RunawayBacktrackingEndsInAnException) {
     // The thread goes on matching normally afterwards.
     EXPECT_TRUE(R::MatchesPattern(as, "a+"));
     EXPECT_TRUE(R::MatchesPattern("ab", "(a+)+b"));
+}
+
+// Pure ASCII subjects skip the engine's UTF-8 check; any other byte keeps
+// it, so invalid UTF-8 is reported exactly as before, after an ASCII prefix too.
+TEST(PatternMatchingTest, AsciiAndNonAsciiSubjects) {
+    EXPECT_TRUE(R::MatchesPattern("ABC-1234", "[A-Z]{3}-\\d{4}"));
+    EXPECT_FALSE(R::MatchesPattern("ABC-12a4", "[A-Z]{3}-\\d{4}"));
+    EXPECT_TRUE(R::MatchesPattern("\x7F", "\\p{IsBasicLatin}"));      // the last ASCII byte
+    EXPECT_TRUE(R::MatchesPattern("\x01\x7F", ".."));
+    EXPECT_FALSE(R::MatchesPattern("12\0" "45"s, "\\d{5}"));            // a zero byte is ASCII too
+    EXPECT_TRUE(R::MatchesPattern("12\0" "45"s, ".{5}"));
+    EXPECT_TRUE(R::MatchesPattern("\xC2\x80", "\\p{IsLatin-1Supplement}"));  // U+0080, the first beyond
+    EXPECT_TRUE(R::MatchesPattern("ABC\xC3\xA9", "[A-Z]{3}."));
+    EXPECT_FALSE(R::MatchesPattern("ABC\xC3\xA9", "[A-Z]{4}"));
+    const auto invalid = [](const std::string& value, const char* error) {
+        ExpectThrow<CQmException>([&] { R::MatchesPattern(value, ".*"); },
+                                  std::string("Failed to match the Regular Expression: .* Error: 'UTF-8 error: ") +
+                                      error + "'");
+    };
+    invalid("ABC\xFF", "illegal byte (0xfe or 0xff)");
+    invalid("ABC-123\x80", "isolated byte with 0x80 bit set");
+    invalid("\xC0\xAF", "overlong 2-byte sequence");
+    invalid("a\xED\xA0\x80", "code points 0xd800-0xdfff are not defined");
+    invalid("\xC3\xA9\xC3", "1 byte missing at end");
+    invalid("\xF4\x90\x80\x80", "code points greater than 0x10ffff are not defined");
+    // The kept pattern of a facet takes the same paths.
+    const R facets("[A-Z]{3}-\\d{4}", -1, -1, "", "", "", "", -1);
+    for (int round = 0; round < 2; ++round) {
+        R::CheckString("m", "ABC-1234", facets);
+        ExpectThrow<CQmValidationException>([&] { R::CheckString("m", "ABC-12345", facets); },
+                                            "Invalid Value for m [ABC-12345]");
+        ExpectThrow<CQmValidationException>([&] { R::CheckString("m", "ABC-123\xFF", facets); },
+                                            "Failed to match the Regular Expression: [A-Z]{3}-\\d{4} Error: "
+                                            "'UTF-8 error: illegal byte (0xfe or 0xff)'\nInvalid Value for m "
+                                            "[ABC-123\xFF]");
+    }
 }
 
 TEST(PatternMatchingTest, CacheCompilesOnceAndAgreesWithFreshCompiles) {
