@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <new>
 #include <string_view>
 
@@ -76,7 +77,19 @@ CExpatReader::~CExpatReader() { XML_ParserFree(m_parser); }
 
 void CExpatReader::Parse(const char* data, std::size_t length, bool isFinal) {
     if (length > static_cast<std::size_t>(INT32_MAX)) throw CQmInvalidParamException("Input piece too large");
+    m_bufferKnown = false;
     const XML_Status status = XML_Parse(m_parser, data, static_cast<int>(length), isFinal ? 1 : 0);
+    // The buffer may move in the next call: what is kept by reference is copied.
+    m_bufferKnown = false;
+    m_bufferBegin = m_bufferEnd = nullptr;
+    if (!m_error && status == XML_STATUS_OK) {
+        try {
+            KeepDirectText();
+        } catch (...) {
+            m_error = std::current_exception();
+        }
+    }
+    m_directText = nullptr;
     if (m_error) std::rethrow_exception(m_error);
     if (status != XML_STATUS_OK) {
         const XML_Error code = XML_GetErrorCode(m_parser);
@@ -124,6 +137,15 @@ void CExpatReader::TextStack::Grow(std::size_t length) {
 void CExpatReader::TextStack::AppendWithoutCR(const char* text, std::size_t length) {
     Reserve(length);
     char* const copy = m_data.get() + m_size;
+    if (length < 8) {
+        // A line end or a reference: reading back a word just stored byte by
+        // byte would stall on store forwarding.
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < length; ++i)
+            if (text[i] != '\r') copy[kept++] = text[i];
+        m_size += kept;
+        return;
+    }
     std::memcpy(copy, text, length);
     constexpr std::uint64_t kOnes = 0x0101010101010101ull;
     constexpr std::uint64_t kHighs = 0x8080808080808080ull;
@@ -220,6 +242,7 @@ CExpatReader::Names CExpatReader::Lookup(const char* name) {
 // -------------------------------------------------------------- callbacks
 
 void CExpatReader::StartElement(const char* name, const char** attributes) {
+    KeepDirectText();  // the parent's text, before the child's begins
     const Names names = Lookup(name);
     CXmlElement* element = m_open.empty() ? CXmlTreeBuilder::CreateDocumentElement(m_document)
                                           : CXmlTreeBuilder::CreateChild(m_open.back().element);
@@ -245,7 +268,11 @@ void CExpatReader::EndElement() {
     if (m_open.empty()) return;
     CXmlElement* element = m_open.back().element;
     const std::size_t start = m_open.back().textStart;
-    if (m_pendingText.Size() > start) {
+    if (m_directText != nullptr) {
+        const char* text = m_directText;
+        m_directText = nullptr;
+        CXmlTreeBuilder::AppendText(element, text, m_directLength);
+    } else if (m_pendingText.Size() > start) {
         CXmlTreeBuilder::AppendText(element, m_pendingText.Data() + start, m_pendingText.Size() - start);
         m_pendingText.Truncate(start);
     }
@@ -255,9 +282,38 @@ void CExpatReader::EndElement() {
         CXmlTreeBuilder::DeleteLastChild(m_open.back().element);
 }
 
+bool CExpatReader::InInputBuffer(const char* text) {
+    if (!m_bufferKnown) {
+        m_bufferKnown = true;
+        int offset = 0;
+        int size = 0;
+        // Null when Expat keeps no context, or parses from the caller's bytes.
+        const char* buffer = XML_GetInputContext(m_parser, &offset, &size);
+        m_bufferBegin = buffer;
+        m_bufferEnd = buffer != nullptr && size > 0 ? buffer + size : buffer;
+    }
+    return m_bufferBegin != nullptr && std::less_equal<const char*>()(m_bufferBegin, text) &&
+           std::less<const char*>()(text, m_bufferEnd);
+}
+
 void CExpatReader::AppendText(const char* text, std::size_t length) {
+    if (m_open.empty()) return;
+    // Line ends reach us as a separate "\n", references and converted text
+    // from scratch buffers: text inside the input buffer never holds a
+    // carriage return and needs no scan.
+    if (!m_convert && InInputBuffer(text)) {
+        if (m_directText == nullptr && m_pendingText.Size() == m_open.back().textStart) {
+            m_directText = text;
+            m_directLength = length;
+            return;
+        }
+        KeepDirectText();
+        m_pendingText.Append(text, length);
+        return;
+    }
+    KeepDirectText();
     // Carriage returns are never stored, including those written as &#13;.
-    if (!m_open.empty()) AppendLocal(text, length);
+    AppendLocal(text, length);
 }
 
 void CExpatReader::StartNamespace(const char* prefix, const char* uri) {
@@ -303,6 +359,7 @@ void XMLCALL CExpatReader::OnStartCData(void* self) {
     CExpatReader* reader = static_cast<CExpatReader*>(self);
     if (reader->m_error) return;
     try {
+        reader->KeepDirectText();
         if (!reader->m_open.empty()) reader->m_pendingText.Append("<![CDATA[", 9);
     } catch (...) {
         reader->Fail();
@@ -313,6 +370,7 @@ void XMLCALL CExpatReader::OnEndCData(void* self) {
     CExpatReader* reader = static_cast<CExpatReader*>(self);
     if (reader->m_error) return;
     try {
+        reader->KeepDirectText();
         if (!reader->m_open.empty()) reader->m_pendingText.Append("]]>", 3);
     } catch (...) {
         reader->Fail();

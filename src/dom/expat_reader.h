@@ -91,6 +91,15 @@ private:
     void StartElement(const char* name, const char** attributes);
     void EndElement();
     void AppendText(const char* text, std::size_t length);
+    // True while Parse runs when text lies in Expat's input buffer, which only
+    // moves between Parse calls.
+    bool InInputBuffer(const char* text);
+    // Copies text kept by reference into m_pendingText.
+    void KeepDirectText() {
+        if (m_directText == nullptr) return;
+        m_pendingText.Append(m_directText, m_directLength);
+        m_directText = nullptr;
+    }
     void StartNamespace(const char* prefix, const char* uri);
     // Splits, converts and interns a name, answering repeats from the cache.
     Names Lookup(const char* name);
@@ -112,6 +121,14 @@ private:
     // allocated once at its size.
     std::vector<OpenElement> m_open;
     TextStack m_pendingText;
+    // The innermost element's first text, while it is its only text and lies in
+    // Expat's input buffer: a value usually comes in one piece, and storing it
+    // straight from the buffer saves the copy into m_pendingText.
+    const char* m_directText = nullptr;
+    std::size_t m_directLength = 0;
+    const char* m_bufferBegin = nullptr;  // Expat's input buffer during Parse, once asked
+    const char* m_bufferEnd = nullptr;
+    bool m_bufferKnown = false;
     std::vector<CacheSlot> m_cache;
     std::size_t m_cacheCount = 0;
     std::string m_scratch;

@@ -166,6 +166,31 @@ TEST(XmlDocumentLoad, NoNamespaceSchemaTypeKeepsQualifiedNames) {
     EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "");
 }
 
+// Values are taken from the parser's buffer while it stays put; one that
+// straddles the boundary of two input pieces, or mixes with references, line
+// ends and CDATA, must come out whole.
+TEST(XmlDocumentLoad, TextsAcrossInputPiecesAndReferencesStayWhole) {
+    const std::string tail =
+        "<v>value&amp;more</v><w>x<b/>y\r\nz&#13;</w><c>p<![CDATA[q\r]]>r</c><e>plain text</e></r>";
+    CXmlSerializationContext keep;
+    keep.SetStripCDATA(false);
+    const std::size_t piece = 0x20000;
+    for (std::size_t back = 0; back <= 40; ++back) {
+        const std::string head = "<r><pad>";
+        const std::string xml = head + std::string(piece - back - head.size() - 6, 'x') + "</pad>" + tail;
+        CXmlDocument doc(keep);
+        LoadStream(doc, Bytes(xml));
+        const CXmlElement* v = doc.GetDocumentElement()->GetFirstElement()->GetNextSiblingElement();
+        ASSERT_NE(v, nullptr);
+        EXPECT_EQ(v->GetText(), "value&more") << back;
+        const CXmlElement* w = v->GetNextSiblingElement();
+        EXPECT_EQ(w->GetText(), "xy\nz") << back;
+        const CXmlElement* c = w->GetNextSiblingElement();
+        EXPECT_EQ(c->GetText(), "p<![CDATA[q\n]]>r") << back;
+        EXPECT_EQ(c->GetNextSiblingElement()->GetText(), "plain text") << back;
+    }
+}
+
 TEST(XmlDocumentLoad, CDataMarkersFollowTheContext) {
     const char* xml = "<a>x<![CDATA[1<2]]>y</a>";
     CXmlSerializationContext keep;
