@@ -34,13 +34,13 @@ void CheckString(const char* member, const std::string& text, const CPrimitiveRe
 // Helpers the property switches share. An unset optional member reads as an
 // invalid variant; storing an invalid or nil variant unsets it.
 void AccessString(bool read, QmVariant& v, std::string& field) {
-    if (read) v.SetString(field); else field = v.GetString();
+    if (read) v.SetString(field); else field = v.TakeString();
 }
 void AccessString(bool read, QmVariant& v, std::optional<std::string>& field) {
     if (read) {
         if (field) v.SetString(*field); else v.SetInvalid();
     } else if (v.IsValid() && !v.IsNil()) {
-        field = v.GetString();
+        field = v.TakeString();
     } else {
         field.reset();
     }
@@ -264,7 +264,7 @@ void CLineType::AccessProperty(int propertyIndex, bool read, QmVariant& value) {
             if (read) value.SetI4(m_Quantity); else m_Quantity = value.GetI4();
             break;
         case P_UnitPrice:
-            if (read) value.SetDecimal(m_UnitPrice); else m_UnitPrice = value.GetDecimal();
+            if (read) value.SetDecimal(m_UnitPrice); else m_UnitPrice = value.TakeDecimal();
             break;
         case P_Discount:
             if (read) {
@@ -358,7 +358,7 @@ void CInvoiceType::AccessProperty(int propertyIndex, bool read, QmVariant& value
     switch (propertyIndex) {
         case P_DueDate: AccessDateTime(read, value, m_DueDate, ItemType_date); break;
         case P_Reference:
-            if (read) value.SetHexBinary(m_Reference); else m_Reference = value.GetHexBinary();
+            if (read) value.SetHexBinary(m_Reference); else m_Reference = value.TakeHexBinary();
             break;
         default: ThrowUnknownProperty("CInvoiceType", propertyIndex);
     }

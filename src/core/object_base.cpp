@@ -27,12 +27,25 @@ int CXmlObjectBase::Release() noexcept {
     return count;
 }
 
+namespace {
+
+// text == (c ? c : "") without measuring c first: called for every item of a
+// collection, and a mismatch usually shows in the first bytes.
+bool SameText(const std::string& text, const char* c) noexcept {
+    if (c == nullptr) return text.empty();
+    const std::size_t n = text.size();
+    for (std::size_t i = 0; i < n; ++i)
+        if (c[i] == '\0' || c[i] != text[i]) return false;
+    return c[n] == '\0';
+}
+
+}  // namespace
+
 bool CXmlObjectBase::DoesElementNameMatch(const CXmlSerializationContext& ctx, const CXmlElement* element,
                                           const char* localName, const char* namespaceUri) const {
     if (element == nullptr) return false;
-    if (element->GetLocalName() != (localName ? localName : "")) return false;
-    if (ctx.GetIgnoreNamespaces()) return true;
-    return element->GetNamespaceURI() == (namespaceUri ? namespaceUri : "");
+    if (!SameText(element->GetLocalName(), localName)) return false;
+    return ctx.GetIgnoreNamespaces() || SameText(element->GetNamespaceURI(), namespaceUri);
 }
 
 bool CXmlObjectBase::IsNamespaceValid(const char* ns, const char* restriction, const char* targetNamespace) const {

@@ -1,6 +1,7 @@
 #include "qmxml/dom/xml_element.h"
 
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "dom/xml_document_loading.h"
@@ -13,12 +14,11 @@ namespace QmXmlLib10 {
 
 namespace {
 
-const char kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
-const char kXmlnsNamespace[] = "http://www.w3.org/2000/xmlns/";
+// Views compare their lengths first; these checks run for every attribute read.
+constexpr std::string_view kXsiNamespace = "http://www.w3.org/2001/XMLSchema-instance";
+constexpr std::string_view kXmlnsNamespace = "http://www.w3.org/2000/xmlns/";
 
-bool IsInstanceOrXmlnsNamespace(const std::string& ns) noexcept {
-    return ns == kXsiNamespace || ns == kXmlnsNamespace;
-}
+bool IsInstanceOrXmlnsNamespace(std::string_view ns) noexcept { return ns == kXsiNamespace || ns == kXmlnsNamespace; }
 
 using AttributeVector = std::vector<CXmlAttribute*>;
 
@@ -61,13 +61,12 @@ CXmlAttribute::~CXmlAttribute() = default;
 
 bool CXmlAttribute::IsNamespaceAttribute() const noexcept {
     if (!IsInstanceOrXmlnsNamespace(*m_namespaceURI)) return false;
-    const std::string& name = *m_localName;
-    return name == "xmlns" || name == "type" || name == "schemaLocation" ||
-           name == "noNamespaceSchemaLocation";
+    const std::string_view name = *m_localName;
+    return name == "xmlns" || name == "type" || name == "schemaLocation" || name == "noNamespaceSchemaLocation";
 }
 
 bool CXmlAttribute::IsNilAttribute() const noexcept {
-    return *m_localName == "nil" && IsInstanceOrXmlnsNamespace(*m_namespaceURI);
+    return std::string_view(*m_localName) == "nil" && IsInstanceOrXmlnsNamespace(*m_namespaceURI);
 }
 
 // ------------------------------------------------------------------ CXmlElement

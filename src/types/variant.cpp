@@ -32,6 +32,11 @@ const char* DescribeType(int type) {
     return "none";
 }
 
+[[noreturn]] void ThrowWrongType(int held, int asked) {
+    throw CQmInvalidStateException(
+        FormatString("Cannot read a variant of type [%s] as [%s]", DescribeType(held), DescribeType(asked)));
+}
+
 }  // namespace
 
 QmVariant::QmVariant(const QmVariant& other) : m_nil(other.m_nil), m_type(other.m_type) {
@@ -102,13 +107,20 @@ void QmVariant::Store(int type, T&& value) {
 
 template <class T>
 const T& QmVariant::Fetch(int type) const {
-    if (m_type != type) {
-        throw CQmInvalidStateException(
-            FormatString("Cannot read a variant of type [%s] as [%s]", DescribeType(m_type), DescribeType(type)));
-    }
+    if (m_type != type) ThrowWrongType(m_type, type);
     if (const T* held = std::get_if<T>(&m_value)) return *held;
     static const T empty{};  // the value of a cleared or nil variant
     return empty;
+}
+
+template <class T>
+T QmVariant::Take(int type) {
+    if (m_type != type) ThrowWrongType(m_type, type);
+    T* held = std::get_if<T>(&m_value);
+    if (held == nullptr) return T{};
+    T value(std::move(*held));
+    *held = T{};  // what a moved-from value holds is not specified
+    return value;
 }
 
 void QmVariant::SetHexBinary(const CBinaryData& value) { Store(ItemType_hexBinary, value); }
@@ -137,6 +149,10 @@ void QmVariant::SetString(std::string value) { Store(ItemType_string, std::move(
 void QmVariant::SetBoolean(bool value) { Store(ItemType_boolean, value); }
 void QmVariant::SetDecimal(const CDecimal& value) { Store(ItemType_decimal, value); }
 void QmVariant::SetInteger(const CBigInteger& value) { Store(ItemType_integer, value); }
+void QmVariant::SetHexBinary(CBinaryData&& value) { Store(ItemType_hexBinary, std::move(value)); }
+void QmVariant::SetBase64Binary(CBinaryData&& value) { Store(ItemType_base64Binary, std::move(value)); }
+void QmVariant::SetDecimal(CDecimal&& value) { Store(ItemType_decimal, std::move(value)); }
+void QmVariant::SetInteger(CBigInteger&& value) { Store(ItemType_integer, std::move(value)); }
 void QmVariant::SetXmlObject(CXmlObjectBase* value) { Store(kXmlObjectType, ObjectPtr(value)); }
 void QmVariant::SetXmlCollection(CXmlCollectionBase* value) { Store(kXmlCollectionType, CollectionPtr(value)); }
 
@@ -170,6 +186,12 @@ CSmartPtr<CXmlObjectBase> QmVariant::GetXmlObject() const { return Fetch<ObjectP
 CSmartPtr<CXmlCollectionBase> QmVariant::GetXmlCollection() const {
     return Fetch<CollectionPtr>(kXmlCollectionType);
 }
+
+std::string QmVariant::TakeString() { return Take<std::string>(ItemType_string); }
+CBinaryData QmVariant::TakeHexBinary() { return Take<CBinaryData>(ItemType_hexBinary); }
+CBinaryData QmVariant::TakeBase64Binary() { return Take<CBinaryData>(ItemType_base64Binary); }
+CDecimal QmVariant::TakeDecimal() { return Take<CDecimal>(ItemType_decimal); }
+CBigInteger QmVariant::TakeInteger() { return Take<CBigInteger>(ItemType_integer); }
 
 std::string QmVariant::ToString(const char* format) const {
     if (m_nil) return std::string();

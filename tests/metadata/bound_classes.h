@@ -88,7 +88,7 @@ public:
     void AccessProperty(int index, bool read, QmVariant& v) override {
         switch (index) {
             case P_Name:
-                if (read) v.SetString(name); else name = v.GetString();
+                if (read) v.SetString(name); else name = v.TakeString();
                 break;
             case P_Qty: Access(read, v, qty, &QmVariant::SetI4, &QmVariant::GetI4); break;
             case P_Note:
@@ -96,7 +96,7 @@ public:
                     if (noteNil) v.SetNil(); else if (note) v.SetString(*note); else v.SetInvalid();
                 } else {
                     noteNil = v.IsNil();
-                    if (v.IsValid() && !v.IsNil()) note = v.GetString(); else note.reset();
+                    if (v.IsValid() && !v.IsNil()) note = v.TakeString(); else note.reset();
                 }
                 break;
             case P_Color: Access(read, v, color, &QmVariant::SetI4, &QmVariant::GetI4); break;
@@ -146,7 +146,7 @@ public:
         if (read) {
             if (f) v.SetString(*f); else v.SetInvalid();
         } else {
-            f = v.GetString();
+            f = v.TakeString();
         }
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
@@ -182,7 +182,7 @@ public:
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
         if (index == P_Name) {
-            if (read) v.SetString(name); else name = v.GetString();
+            if (read) v.SetString(name); else name = v.TakeString();
         } else {
             AccessObject(read, v, address);
         }
@@ -253,7 +253,7 @@ public:
                 if (card) v.SetString(*card); else v.SetInvalid();
             } else {
                 Choice_SetElementValid(true, "Card", selected);
-                card = v.GetString();
+                card = v.TakeString();
             }
         } else {
             if (!read) Choice_SetElementValid(true, "Cash", selected);
@@ -294,12 +294,12 @@ public:
             if (read) {
                 if (value) v.SetDecimal(*value); else v.SetInvalid();
             } else {
-                value = v.GetDecimal();
+                value = v.TakeDecimal();
             }
         } else if (read) {
             if (currency) v.SetString(*currency); else v.SetInvalid();
         } else {
-            currency = v.GetString();
+            currency = v.TakeString();
         }
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
@@ -418,7 +418,7 @@ public:
                 if (read) {
                     if (ref) v.SetString(*ref); else v.SetInvalid();
                 } else {
-                    ref = v.GetString();
+                    ref = v.TakeString();
                 }
                 break;
             case P_AnyAttr: AccessCollection(read, v, anyAttributes); break;

@@ -284,4 +284,39 @@ TEST(QmVariantTest, MoveLeavesTheSourceInvalid) {
     EXPECT_FALSE(a.IsValid());  // NOLINT(bugprone-use-after-move)
 }
 
+TEST(QmVariantTest, TakeMovesTheValueOutAndKeepsTheType) {
+    QmVariant v;
+    const std::string long_text(100, 'x');
+    v.SetString(long_text);
+    const char* buffer = v.GetString().data();
+    std::string taken = v.TakeString();
+    EXPECT_EQ(long_text, taken);
+    EXPECT_EQ(buffer, taken.data());  // moved, not copied
+    EXPECT_EQ(ItemType_string, v.GetTypeAsEnum());
+    EXPECT_EQ("", v.GetString());
+
+    v.SetDecimal(CDecimal("-12.50"));
+    EXPECT_EQ("-12.5", v.TakeDecimal().ToString());
+    EXPECT_EQ("0", v.GetDecimal().ToString());
+    v.SetInteger(CBigInteger("123456789012345678901234567890"));
+    EXPECT_EQ("123456789012345678901234567890", v.TakeInteger().ToString());
+    EXPECT_TRUE(v.GetInteger().IsZero());
+    v.SetHexBinary(CBinaryData("ab"));
+    EXPECT_EQ(2u, v.TakeHexBinary().GetLength());
+    EXPECT_EQ(0u, v.GetHexBinary().GetLength());
+    v.SetBase64Binary(CBinaryData("ab"));
+    EXPECT_EQ(2u, v.TakeBase64Binary().GetLength());
+
+    // A nil or cleared variant gives the empty value; other types are refused
+    // with the getters' message.
+    v.SetString("a");
+    v.SetNil();
+    EXPECT_EQ("", v.TakeString());
+    ExpectThrow<CQmInvalidStateException>([&] { v.TakeDecimal(); },
+                                          "Cannot read a variant of type [string] as [decimal]");
+    v.SetI4(1);
+    ExpectThrow<CQmInvalidStateException>([&] { v.TakeString(); }, "Cannot read a variant of type [i4] as [string]");
+    EXPECT_EQ(1, v.GetI4());
+}
+
 }  // namespace

@@ -69,6 +69,8 @@ public:
 //     metadata names. Class members travel as objects (QmVariant::SetXmlObject),
 //     collections as collections (SetXmlCollection), enumerations as i4; an
 //     unset optional member reads as an invalid variant, a nil one as nil.
+//     Storing may take the value out of the variant (QmVariant::TakeString and
+//     the like): the library drops the variant afterwards.
 //   - GetClassInfo, GetClassElementInfo, GetClassAttributeInfo: the static
 //     metadata. CleanMetaData frees it: then the infos must come from `new` and
 //     the arrays from `new[]`.

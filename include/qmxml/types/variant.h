@@ -93,6 +93,11 @@ public:
     void SetBoolean(bool value);
     void SetDecimal(const CDecimal& value);
     void SetInteger(const CBigInteger& value);
+    // The same, taking the value over instead of copying it.
+    void SetHexBinary(CBinaryData&& value);
+    void SetBase64Binary(CBinaryData&& value);
+    void SetDecimal(CDecimal&& value);
+    void SetInteger(CBigInteger&& value);
     // Takes a reference on the object (null is kept as null).
     void SetXmlObject(CXmlObjectBase* value);
     void SetXmlCollection(CXmlCollectionBase* value);
@@ -126,6 +131,16 @@ public:
     CSmartPtr<CXmlObjectBase> GetXmlObject() const;
     CSmartPtr<CXmlCollectionBase> GetXmlCollection() const;
 
+    // Like the getters, but move the value out: a property setter that stores
+    // a variant's value and drops the variant copies no heap memory. The type
+    // rules and messages are the getters'; the variant keeps its type and then
+    // holds the type's empty value.
+    std::string TakeString();
+    CBinaryData TakeHexBinary();
+    CBinaryData TakeBase64Binary();
+    CDecimal TakeDecimal();
+    CBigInteger TakeInteger();
+
     // The lexical form through CConversions. The format applies to r4 and r8
     // (a printf format, see r8ToString) and to decimal (the number of fraction
     // digits, see decimalToString); other types ignore it. Null or "" is the
@@ -154,6 +169,8 @@ private:
     void Store(int type, T&& value);
     template <class T>
     const T& Fetch(int type) const;
+    template <class T>
+    T Take(int type);
 
     bool m_nil = false;
     ItemType m_type = ItemType_None;
