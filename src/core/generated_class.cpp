@@ -489,15 +489,22 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CXmlSerializatio
     const char* targetNamespace = GetClassInfo()->GetElementNamespace().c_str();
     const bool ownContent = elementType == XmlElementType_Element;
     CXmlElement* const start = current;
-    std::vector<char> found(static_cast<size_t>(count), 0);
+    // Which members were read; on the stack for the usual handful.
+    char inlineFound[32] = {};
+    std::vector<char> moreFound;
+    char* found = inlineFound;
+    if (count > 32) {
+        moreFound.assign(static_cast<size_t>(count), 0);
+        found = moreFound.data();
+    }
     bool moved = true;
     while (current && moved) {
         moved = false;
         for (int i = 0; i < count && current; ++i) {
-            if (found[static_cast<size_t>(i)]) continue;
+            if (found[i]) continue;
             CXmlElement* before = current;
             if (infos[i]->ElementFromXml(ctx, this, parent, &current, targetNamespace, elementType)) {
-                found[static_cast<size_t>(i)] = 1;
+                found[i] = 1;
             }
             if (current != before) moved = true;
         }
@@ -506,7 +513,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CXmlSerializatio
         if (!moved && current && ownContent && ctx.GetIgnoreUnknownElements()) {
             bool claimed = false;
             for (int i = 0; i < count && !claimed; ++i) {
-                claimed = !found[static_cast<size_t>(i)] && infos[i]->IsMemberElement(ctx, this, current);
+                claimed = !found[i] && infos[i]->IsMemberElement(ctx, this, current);
             }
             if (!claimed) {
                 current = current->GetNextSiblingElement();
@@ -515,7 +522,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CXmlSerializatio
         }
     }
     for (int i = 0; i < count; ++i) {
-        if (!infos[i]->Validate(ctx, this, found[static_cast<size_t>(i)] != 0, ownContent)) return start;
+        if (!infos[i]->Validate(ctx, this, found[i] != 0, ownContent)) return start;
     }
     if (ownContent && current && !ctx.GetIgnoreUnknownElements()) ThrowLeftover(parent, current);
     return current;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/same_bytes.h"
 #include "qmxml/collections/xml_collection.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
@@ -46,6 +47,12 @@ bool CXmlObjectBase::DoesElementNameMatch(const CXmlSerializationContext& ctx, c
     if (element == nullptr) return false;
     if (!SameText(element->GetLocalName(), localName)) return false;
     return ctx.GetIgnoreNamespaces() || SameText(element->GetNamespaceURI(), namespaceUri);
+}
+
+bool CXmlObjectBase::DoesElementNameMatch(const CXmlSerializationContext& ctx, const CXmlElement* element,
+                                          const std::string& localName, const std::string& namespaceUri) const {
+    if (element == nullptr || !bytes::SameString(element->GetLocalName(), localName)) return false;
+    return ctx.GetIgnoreNamespaces() || bytes::SameString(element->GetNamespaceURI(), namespaceUri);
 }
 
 bool CXmlObjectBase::IsNamespaceValid(const char* ns, const char* restriction, const char* targetNamespace) const {

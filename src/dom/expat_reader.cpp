@@ -7,6 +7,7 @@
 #include <new>
 #include <string_view>
 
+#include "core/same_bytes.h"
 #include "dom/xml_document_loading.h"
 #include "platform/charset.h"
 #include "qmxml/core/exception.h"
@@ -20,24 +21,8 @@ namespace {
 constexpr char kSeparator = '|';
 constexpr std::size_t kInitialCacheSlots = 64;
 
-std::uint64_t Load64(const char* p) noexcept {
-    std::uint64_t word;
-    std::memcpy(&word, p, sizeof word);
-    return word;
-}
-
-// Names are short: an inline comparison beats a call to memcmp. From eight
-// bytes on, the last word overlaps the one before instead of a byte loop.
-bool SameBytes(const char* a, const char* b, std::size_t length) noexcept {
-    if (length < 8) {
-        for (; length > 0; ++a, ++b, --length)
-            if (*a != *b) return false;
-        return true;
-    }
-    for (std::size_t i = 0; i + 8 < length; i += 8)
-        if (Load64(a + i) != Load64(b + i)) return false;
-    return Load64(a + length - 8) == Load64(b + length - 8);
-}
+using bytes::Load64;
+using bytes::SameBytes;
 
 // A document uses a few dozen names, so a cheap hash of the length and the
 // first and last eight bytes tells them apart; the cache compares the whole

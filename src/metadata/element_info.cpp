@@ -1,5 +1,6 @@
 #include "qmxml/metadata/element_info.h"
 
+#include "core/same_bytes.h"
 #include "qmxml/collections/xml_collection.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/dom/xml_element.h"
@@ -55,8 +56,8 @@ void CElementInfo::AccessProperty(CXmlGeneratedClass* obj, bool read, QmVariant&
 }
 
 bool CElementInfo::IsThisElement(const CXmlSerializationContext& ctx, const CXmlElement* element) const {
-    if (element == nullptr || element->GetLocalName() != m_elementName) return false;
-    return ctx.GetIgnoreNamespaces() || element->GetNamespaceURI() == m_elementNamespace;
+    if (element == nullptr || !bytes::SameString(element->GetLocalName(), m_elementName)) return false;
+    return ctx.GetIgnoreNamespaces() || bytes::SameString(element->GetNamespaceURI(), m_elementNamespace);
 }
 
 bool CElementInfo::FindElement(const CXmlSerializationContext& ctx, CXmlElement** current,

@@ -459,8 +459,8 @@ bool CElementInfoCol<Group>::IsMemberElement(const CXmlSerializationContext& ctx
                                      wildcards->GetWildcardTargetNamespace().c_str());
     }
     if (collection && this->IsThisElement(ctx, element)) return true;
-    return collection && collection->DoesElementNameMatch(ctx, element, collection->GetElementName().c_str(),
-                                                          collection->GetNamespace().c_str());
+    return collection && collection->DoesElementNameMatch(ctx, element, collection->GetElementName(),
+                                                          collection->GetNamespace());
 }
 
 template class CElementInfoPrim<CElementInfoSeq, true>;

@@ -91,7 +91,7 @@ public:
         if (element == nullptr) return false;
         CSmartPtr<T> probe = CreateItem();
         if (IsInlined(*probe)) return probe->IsElementInList(ctx, const_cast<CXmlElement*>(element));
-        return this->DoesElementNameMatch(ctx, element, this->GetElementName().c_str(), this->GetNamespace().c_str());
+        return this->DoesElementNameMatch(ctx, element, this->GetElementName(), this->GetNamespace());
     }
 
 protected:
@@ -99,12 +99,12 @@ protected:
 
     CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
                              bool) override {
+        const std::string name = this->GetElementName();
         while (current) {
             CSmartPtr<T> item = CreateItem();
             const bool inlined = IsInlined(*item);
             const bool matches = inlined ? item->IsElementInList(ctx, current)
-                                         : this->DoesElementNameMatch(ctx, current, this->GetElementName().c_str(),
-                                                                      this->GetNamespace().c_str());
+                                         : this->DoesElementNameMatch(ctx, current, name, this->GetNamespace());
             if (!matches) break;
             CXmlElement* next = Base::ReadItem(item, parent, current, ctx, inlined);
             this->AppendItem(item);

@@ -107,6 +107,8 @@ public:
     // context ignores namespaces, its namespace equals namespaceUri.
     bool DoesElementNameMatch(const CXmlSerializationContext& ctx, const CXmlElement* element,
                               const char* localName, const char* namespaceUri) const;
+    bool DoesElementNameMatch(const CXmlSerializationContext& ctx, const CXmlElement* element,
+                              const std::string& localName, const std::string& namespaceUri) const;
 
     // Wildcard namespace test: the restriction is a space-separated list of
     // "##any", "##other", "##local", "##targetNamespace" or URIs.
