@@ -1,10 +1,12 @@
 #include "qmxml/types/conversions.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <string_view>
 #include <system_error>
 
 #include "qmxml/core/exception.h"
@@ -52,6 +54,12 @@ ParsedInteger ParseInteger(const std::string& text, std::uint64_t positiveLimit,
     constexpr std::uint64_t kMax = std::numeric_limits<std::uint64_t>::max();
     bool saturated = false;
     std::uint64_t magnitude = 0;
+    // Nineteen digits always fit in 64 bits; only longer runs are checked.
+    const std::size_t uncheckedEnd = std::min(length, digitsStart + 19);
+    while (pos < uncheckedEnd && IsDigit(text[pos])) {
+        magnitude = magnitude * 10 + static_cast<std::uint64_t>(text[pos] - '0');
+        ++pos;
+    }
     while (pos < length && IsDigit(text[pos])) {
         const auto digit = static_cast<std::uint64_t>(text[pos] - '0');
         if (!saturated) {
@@ -141,7 +149,7 @@ std::string IntegerText(T value) {
 
 enum class Special { None, NaN, PositiveInfinity, NegativeInfinity };
 
-Special SpecialWord(const std::string& text) {
+Special SpecialWord(std::string_view text) {
     if (text.empty() || text == "NaN" || text == "1.#QNAN" || text == "-NAN") {
         return Special::NaN;
     }

@@ -1,5 +1,6 @@
 #include "qmxml/types/whitespace.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "qmxml/core/exception.h"
@@ -126,9 +127,15 @@ bool RuleChanges(CWhitespaceUtils::WhitespaceRule rule, std::string_view text) n
     case CWhitespaceUtils::WhitespaceRule_Preserve:
         return text.find('\r') != std::string_view::npos;
     case CWhitespaceUtils::WhitespaceRule_Replace:
-        return text.find_first_of("\t\n\r") != std::string_view::npos;
+        return std::any_of(text.begin(), text.end(), [](char c) { return c == '\t' || c == '\n' || c == '\r'; });
     case CWhitespaceUtils::WhitespaceRule_Collapse: {
-        if (text.empty()) {
+        // Values rarely hold a byte at or below space; without one there is
+        // nothing to collapse, and this test needs no branch per byte.
+        bool low = false;
+        for (const char c : text) {
+            low |= static_cast<unsigned char>(c) <= ' ';
+        }
+        if (!low) {
             return false;
         }
         if (text.front() == ' ' || text.back() == ' ') {

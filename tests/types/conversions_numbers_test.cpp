@@ -58,6 +58,11 @@ TEST(ConversionsNumbersTest, DecimalAndIntegerUnderEveryRule) {
     ExpectThrow<CQmInvalidValueException>([] { C::integerFromString("1\t2", kReplace); }, InvalidChar(1, "1 2"));
     ExpectThrow<CQmException>([] { C::integerFromString("1", static_cast<CWhitespaceUtils::WhitespaceRule>(7)); },
                               "Unknown WhitespaceRule");
+    // A control character is no whitespace: kept by every rule, then refused.
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString("\x01" "1", kCollapse); },
+                                          InvalidChar(0, "\x01" "1"));
+    ExpectThrow<CQmInvalidValueException>([] { C::decimalFromString(" 1\x1F ", kCollapse); },
+                                          InvalidChar(1, "1\x1F"));
 }
 
 TEST(ConversionsNumbersTest, DecimalToStringReadsTheFormatAsPlaces) {

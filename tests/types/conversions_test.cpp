@@ -161,6 +161,25 @@ TEST(ConversionsI8Test, UnsignedSixtyFourBitsTakesTheSignedBitPatternOfNegatives
                   TooLarge("-9223372036854775809", "ui8"));
 }
 
+// The first nineteen digits go unchecked (they always fit in 64 bits); the
+// range test starts at the twentieth.
+TEST(ConversionsI8Test, RangeAroundTheNineteenthDigit) {
+    EXPECT_EQ(9999999999999999999ULL, C::ui8FromString("9999999999999999999", kNone));
+    EXPECT_EQ(9223372036854775807LL, C::i8FromString("0009223372036854775807", kNone));
+    EXPECT_EQ(1, C::i8FromString("00000000000000000001", kNone));
+    EXPECT_EQ(18446744073709551615ULL, C::ui8FromString("0000018446744073709551615", kNone));
+    EXPECT_EQ(-5, C::i4FromString("-00000000000000000000000005", kNone));
+    ExpectInvalid([] { C::ui8FromString("99999999999999999999", kNone); },
+                  TooLarge("99999999999999999999", "ui8"));
+    ExpectInvalid([] { C::ui8FromString("18446744073709551620", kNone); },
+                  TooLarge("18446744073709551620", "ui8"));
+    ExpectInvalid([] { C::i8FromString("10000000000000000000", kNone); },
+                  TooLarge("10000000000000000000", "i8"));
+    ExpectInvalid([] { C::i4FromString("1000000000000000000000000000000", kNone); },
+                  TooLarge("1000000000000000000000000000000", "i4"));
+    EXPECT_EQ(1234567890123456789LL, C::i8FromString("1234567890123456789z", kNone));
+}
+
 TEST(ConversionsFloatTest, SpecialWordsAreExactAndCaseSensitive) {
     EXPECT_TRUE(std::isnan(C::r8FromString("", kNone)));
     EXPECT_TRUE(std::isnan(C::r8FromString("  ", kCollapse)));
@@ -168,6 +187,9 @@ TEST(ConversionsFloatTest, SpecialWordsAreExactAndCaseSensitive) {
     EXPECT_TRUE(std::isnan(C::r8FromString("1.#QNAN", kNone)));
     EXPECT_TRUE(std::isnan(C::r8FromString("-NAN", kNone)));
     EXPECT_TRUE(std::isnan(C::r8FromString(" NaN\n", kCollapse)));
+    EXPECT_TRUE(std::isnan(C::r8FromString("-NAN\t", kCollapse)));
+    EXPECT_EQ(std::numeric_limits<double>::infinity(), C::r8FromString("INF\0junk"s, kCollapse));
+    ExpectInvalid([] { C::r8FromString("INF\0junk"s, kNone); }, NotConverted("INF", "r8"));
     EXPECT_EQ(-std::numeric_limits<double>::infinity(), C::r8FromString("-INF", kNone));
     EXPECT_EQ(std::numeric_limits<double>::infinity(), C::r8FromString("INF", kNone));
 
@@ -177,8 +199,9 @@ TEST(ConversionsFloatTest, SpecialWordsAreExactAndCaseSensitive) {
     EXPECT_EQ(std::numeric_limits<float>::infinity(), C::r4FromString("INF", kNone));
 
     // Words the C library would take, and other spellings, are not XSD forms.
-    for (const char* text : {"inf", "-inf", "+INF", "nan", "NAN", "-NaN", "infinity",
-                             "Infinity", "INFINITY", "0x1p3", "0x10", "-0X1.8P1", " INF"}) {
+    for (const char* text : {"inf", "-inf", "+INF", "nan", "NAN", "-NaN", "infinity", "Infinity", "INFINITY", "0x1p3",
+                             "0x10", "-0X1.8P1", " INF", "NaN ", "NaNa", "Na", "IN", "INF0", "--INF", "1.#QNA",
+                             "1.#QNANX", "-NA"}) {
         ExpectInvalid([&] { C::r8FromString(text, kNone); }, NotConverted(text, "r8"));
         ExpectInvalid([&] { C::r4FromString(text, kNone); }, NotConverted(text, "r4"));
     }

@@ -77,6 +77,13 @@ TEST(WhitespaceTest, CollapseKeepsCleanTextAndRebuildsOnAnyBlemish) {
     EXPECT_EQ("\xC3\xA9 \xC3\xA9", WS::Collapse("\xC3\xA9 \xC3\xA9"));
     EXPECT_EQ("x y", WS::ApplyRule(WS::WhitespaceRule_Collapse, "x y"));
     EXPECT_EQ("x y", WS::ApplyRule(WS::WhitespaceRule_Collapse, "x \n y"));
+    // Other control characters are not whitespace and stay.
+    EXPECT_EQ("a\x01 \x1F", WS::Collapse("a\x01 \x1F"));
+    EXPECT_EQ("\x01", WS::Collapse("\x01"));
+    EXPECT_EQ("a\x01", WS::Collapse("a\x01\t"));
+    EXPECT_EQ("\x7F\x80 \xFF", WS::Collapse("\x7F\x80 \xFF"));
+    EXPECT_EQ("\x01\x0B\x0C", WS::Replace("\x01\x0B\x0C"));
+    EXPECT_EQ("\x01 \x0B", WS::Replace("\x01\r\n\x0B"));
 }
 
 TEST(WhitespaceTest, ApplyRuleDispatchesAndRejectsUnknownRules) {
