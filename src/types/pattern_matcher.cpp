@@ -31,6 +31,7 @@ using CodePtr = std::unique_ptr<pcre2_code, CodeDeleter>;
 struct Compiled {
     CodePtr code;
     std::string error;
+    bool jit = false;  // machine code was made
 };
 
 namespace {
@@ -246,7 +247,7 @@ Compiled Compile(const std::string& utf8Pattern, bool jit) {
     }
     // Machine code for the pattern: matching gets several times faster. Where
     // JIT is unavailable the interpreter serves, so a failure here is ignored.
-    if (jit) (void)pcre2_jit_compile(result.code.get(), PCRE2_JIT_COMPLETE);
+    if (jit) result.jit = pcre2_jit_compile(result.code.get(), PCRE2_JIT_COMPLETE) == 0;
     return result;
 }
 
@@ -258,20 +259,26 @@ Compiled Compile(const std::string& utf8Pattern, bool jit) {
 // PCRE2 checks that a UTF subject is valid UTF-8 at every call, a good part
 // of matching a short value. Pure ASCII is valid by construction, so the
 // check is skipped for it only; anything else keeps it and its errors.
-std::uint32_t SubjectOptions(const std::string& value) {
-    const bool ascii = std::all_of(value.begin(), value.end(),
-                                   [](char c) { return (static_cast<unsigned char>(c) & 0x80) == 0; });
-    return ascii ? PCRE2_NO_UTF_CHECK : 0;
+bool IsAscii(const std::string& value) {
+    return std::all_of(value.begin(), value.end(),
+                       [](char c) { return (static_cast<unsigned char>(c) & 0x80) == 0; });
 }
 
-bool Run(const pcre2_code* code, pcre2_match_data* data, const std::string& value, const std::string& xsdPattern) {
+bool Run(const Compiled& compiled, pcre2_match_data* data, const std::string& value, const std::string& xsdPattern) {
+    const pcre2_code* code = compiled.code.get();
     const auto subject = reinterpret_cast<PCRE2_SPTR>(value.data());
-    const std::uint32_t options = SubjectOptions(value);
-    int rc = pcre2_match(code, subject, value.size(), 0, options, data, MatchContext());
+    const bool ascii = IsAscii(value);
+    int rc = PCRE2_ERROR_JIT_BADOPTION;
+    // The machine code's own entry skips pcre2_match's argument checks, and
+    // it never checks UTF: taken for ASCII subjects only.
+    if (compiled.jit && ascii) rc = pcre2_jit_match(code, subject, value.size(), 0, 0, data, MatchContext());
+    if (rc == PCRE2_ERROR_JIT_BADOPTION)
+        rc = pcre2_match(code, subject, value.size(), 0, ascii ? PCRE2_NO_UTF_CHECK : 0, data, MatchContext());
     // The machine code runs on a small fixed stack; the interpreter's limits
     // decide what a deeper match may use.
     if (rc == PCRE2_ERROR_JIT_STACKLIMIT)
-        rc = pcre2_match(code, subject, value.size(), 0, options | PCRE2_NO_JIT, data, MatchContext());
+        rc = pcre2_match(code, subject, value.size(), 0, (ascii ? PCRE2_NO_UTF_CHECK : 0) | PCRE2_NO_JIT, data,
+                         MatchContext());
     if (rc >= 0) return true;
     if (rc == PCRE2_ERROR_NOMATCH) return false;
     throw CQmException(FormatString("Failed to match the Regular Expression: %s Error: '%s'", xsdPattern.c_str(),
@@ -372,7 +379,7 @@ bool MatchCompiled(const Compiled& compiled, const std::string& value, const std
     };
     if (!data) data = NewMatchData();
     ReleaseLargeFrames guard{data, utf8Value.size() > kKeepFramesUpTo};
-    return Run(compiled.code.get(), data.get(), utf8Value, xsdPattern);
+    return Run(compiled, data.get(), utf8Value, xsdPattern);
 }
 
 }  // namespace
@@ -397,7 +404,7 @@ bool MatchUncached(const std::string& value, const std::string& xsdPattern) {
     if (!compiled.code) ThrowInvalidPattern(xsdPattern, compiled.error);
     MatchDataPtr data(pcre2_match_data_create_from_pattern(compiled.code.get(), nullptr));
     if (!data) throw std::bad_alloc();
-    return Run(compiled.code.get(), data.get(), AsUtf8(value, valueScratch), xsdPattern);
+    return Run(compiled, data.get(), AsUtf8(value, valueScratch), xsdPattern);
 }
 
 std::size_t CachedCount() {

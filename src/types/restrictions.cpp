@@ -1,6 +1,7 @@
 #include <qmxml/types/restrictions.h>
 
 #include <array>
+#include <atomic>
 #include <mutex>
 #include <optional>
 #include <type_traits>
@@ -170,13 +171,17 @@ CPrimitiveRestrictions::CPrimitiveRestrictions(const char* pattern, int minLengt
 
 CPrimitiveRestrictions::~CPrimitiveRestrictions() = default;
 
-// Filled at most once each, by the first check that needs it.
+// Filled at most once each, by the first check that needs it. std::call_once
+// costs a good part of a short match even when done, so a flag set after
+// filling lets later checks skip it.
 struct CPrimitiveRestrictions::CPrepared {
     std::once_flag patternOnce;
+    std::atomic<bool> patternReady{false};
     std::shared_ptr<const patterns::Compiled> pattern;
     // The bounds as the first integer check parsed them, for its item type
     // only; a bound that did not parse stays empty.
     std::once_flag boundsOnce;
+    std::atomic<bool> boundsReady{false};
     ItemType boundsType = ItemType_None;
     std::array<std::optional<std::int64_t>, kBoundCount> signedBounds;
     std::array<std::optional<std::uint64_t>, kBoundCount> unsignedBounds;
@@ -187,31 +192,41 @@ void CPrimitiveRestrictions::Changed() { m_prepared = std::make_shared<CPrepared
 bool CPrimitiveRestrictions::MatchesOwnPattern(const std::string& value) const {
     // The compiled pattern is kept for UTF-8 local text only.
     if (!m_prepared || !platform::LocalIsUtf8()) return MatchesPattern(value, m_pattern);
-    std::call_once(m_prepared->patternOnce, [this] { m_prepared->pattern = patterns::LookupUtf8(m_pattern); });
-    return patterns::MatchPrepared(*m_prepared->pattern, value, m_pattern);
+    CPrepared& prepared = *m_prepared;
+    if (!prepared.patternReady.load(std::memory_order_acquire)) {
+        std::call_once(prepared.patternOnce, [&] {
+            prepared.pattern = patterns::LookupUtf8(m_pattern);
+            prepared.patternReady.store(true, std::memory_order_release);
+        });
+    }
+    return patterns::MatchPrepared(*prepared.pattern, value, m_pattern);
 }
 
 template <class T, class Parse>
 const std::optional<T>* CPrimitiveRestrictions::PreparedBounds(ItemType type, Parse parse) const {
     if (!m_prepared) return nullptr;
     CPrepared& prepared = *m_prepared;
-    std::call_once(prepared.boundsOnce, [&] {
-        const std::string* texts[kBoundCount] = {&m_minInclusive, &m_maxInclusive, &m_minExclusive, &m_maxExclusive};
-        for (int i = 0; i < kBoundCount; ++i) {
-            if (texts[i]->empty()) continue;
-            try {
-                const auto bound = parse(*texts[i], kCollapse);
-                if constexpr (std::is_signed_v<T>) {
-                    prepared.signedBounds[i] = bound;
-                } else {
-                    prepared.unsignedBounds[i] = bound;
+    if (!prepared.boundsReady.load(std::memory_order_acquire)) {
+        std::call_once(prepared.boundsOnce, [&] {
+            const std::string* texts[kBoundCount] = {&m_minInclusive, &m_maxInclusive, &m_minExclusive,
+                                                     &m_maxExclusive};
+            for (int i = 0; i < kBoundCount; ++i) {
+                if (texts[i]->empty()) continue;
+                try {
+                    const auto bound = parse(*texts[i], kCollapse);
+                    if constexpr (std::is_signed_v<T>) {
+                        prepared.signedBounds[i] = bound;
+                    } else {
+                        prepared.unsignedBounds[i] = bound;
+                    }
+                } catch (const CQmException&) {
+                    // Parsed again, and reported, when the check reaches it.
                 }
-            } catch (const CQmException&) {
-                // Parsed again, and reported, when the check reaches it.
             }
-        }
-        prepared.boundsType = type;
-    });
+            prepared.boundsType = type;
+            prepared.boundsReady.store(true, std::memory_order_release);
+        });
+    }
     if (prepared.boundsType != type) return nullptr;
     if constexpr (std::is_signed_v<T>) {
         return prepared.signedBounds.data();

@@ -468,6 +468,38 @@ TEST(PatternMatchingTest, AsciiAndNonAsciiSubjects) {
     }
 }
 
+// The first checks of a fresh facet set prepare its pattern and bounds once,
+// whichever thread gets there first; every thread sees them complete.
+TEST(PatternMatchingTest, FreshFacetsPreparedByConcurrentChecks) {
+    for (int round = 0; round < 20; ++round) {
+        const R pattern("[A-Z]{3}-\\d{4}", -1, -1, "", "", "", "", -1);
+        const R bounds(nullptr, -1, -1, "1", "10000", nullptr, nullptr, -1);
+        std::atomic<int> wrong{0};
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 4; ++t) {
+            threads.emplace_back([&, t] {
+                for (int i = 0; i < 50; ++i) {
+                    const bool good = (i + t) % 2 == 0;
+                    try {
+                        R::CheckString("m", good ? "ABC-1234" : "ABC-12345", pattern);
+                        if (!good) ++wrong;
+                    } catch (const CQmValidationException& e) {
+                        if (good || e.GetMessage() != "Invalid Value for m [ABC-12345]") ++wrong;
+                    }
+                    try {
+                        R::CheckI4("q", good ? 10000 : 10001, bounds);
+                        if (!good) ++wrong;
+                    } catch (const CQmValidationException& e) {
+                        if (good || e.GetMessage() != "Invalid Value for q [10001]") ++wrong;
+                    }
+                }
+            });
+        }
+        for (std::thread& thread : threads) thread.join();
+        EXPECT_EQ(0, wrong.load()) << round;
+    }
+}
+
 TEST(PatternMatchingTest, CacheCompilesOnceAndAgreesWithFreshCompiles) {
     const std::string fresh = "[A-Z]{3}-\\d{4}#cache-test";
     const std::size_t before = patterns::CachedCount();
