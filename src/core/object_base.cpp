@@ -10,11 +10,19 @@
 
 namespace QmXmlLib10 {
 
-CXmlObjectBase::CXmlObjectBase(const CXmlObjectBase& other)
-    : IEventSink(), m_monitor("CXmlObjectBase"), m_recordedElementName(other.m_recordedElementName) {}
+CXmlObjectBase::CXmlObjectBase(const CXmlObjectBase& other) : IEventSink(), m_monitor("CXmlObjectBase") {
+    if (other.m_recordedElementName)
+        m_recordedElementName = std::make_unique<std::string>(*other.m_recordedElementName);
+}
 
 CXmlObjectBase& CXmlObjectBase::operator=(const CXmlObjectBase& other) {
-    m_recordedElementName = other.m_recordedElementName;
+    if (this == &other) return *this;
+    if (!other.m_recordedElementName)
+        m_recordedElementName.reset();
+    else if (m_recordedElementName)
+        *m_recordedElementName = *other.m_recordedElementName;
+    else
+        m_recordedElementName = std::make_unique<std::string>(*other.m_recordedElementName);
     return *this;
 }
 
@@ -133,7 +141,19 @@ const std::string& CXmlObjectBase::GetContextDefaultNamespace(const CXmlSerializ
     return ctx.GetDefaultNamespaceURI();
 }
 
-void CXmlObjectBase::SetElementName(const char* name) { m_recordedElementName = name ? name : ""; }
+void CXmlObjectBase::SetElementName(const char* name) {
+    if (name == nullptr || *name == '\0')
+        m_recordedElementName.reset();
+    else if (m_recordedElementName)
+        *m_recordedElementName = name;
+    else
+        m_recordedElementName = std::make_unique<std::string>(name);
+}
+
+const std::string& CXmlObjectBase::GetRecordedElementName() const {
+    static const std::string none;
+    return m_recordedElementName ? *m_recordedElementName : none;
+}
 
 void CXmlObjectBase::Throw_IfPropertyIsNull(CXmlObjectBase* value, const char* propertyName) {
     if (value == nullptr) {

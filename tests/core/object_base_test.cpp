@@ -52,6 +52,20 @@ TEST(ObjectBase, CopiesStartUnreferenced) {
     assigned = *original;
     EXPECT_EQ(assigned.AddRef(), 2);  // assignment left the count alone
     EXPECT_EQ(assigned.GetRecordedElementName(), "Recorded");
+
+    // Each holds its own name: changing or clearing one leaves the others.
+    original->SetElementName("Other");
+    EXPECT_EQ(copy.GetRecordedElementName(), "Recorded");
+    EXPECT_EQ(assigned.GetRecordedElementName(), "Recorded");
+    copy.SetElementName(nullptr);
+    EXPECT_EQ(copy.GetRecordedElementName(), "");
+    assigned = copy;
+    EXPECT_EQ(assigned.GetRecordedElementName(), "");
+    copy = *original;
+    EXPECT_EQ(copy.GetRecordedElementName(), "Other");
+    original->SetElementName("");
+    EXPECT_EQ(original->GetRecordedElementName(), "");
+    EXPECT_EQ(copy.GetRecordedElementName(), "Other");
 }
 
 TEST(ObjectBase, ConcurrentReferencesDeleteExactlyOnce) {

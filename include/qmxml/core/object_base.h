@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "qmxml/core/enums.h"
@@ -155,7 +156,7 @@ protected:
     // Records the element name a substituted or differently named member is
     // written under; empty until set.
     void SetElementName(const char* name);
-    const std::string& GetRecordedElementName() const { return m_recordedElementName; }
+    const std::string& GetRecordedElementName() const;
 
     static void Throw_IfPropertyIsNull(CXmlObjectBase* value, const char* propertyName);
     static void Throw_IfElementNameDiffers(CXmlObjectBase* value, const char* requiredName);
@@ -174,7 +175,9 @@ private:
 
     std::atomic<int> m_refCount{0};
     CInstanceMonitor m_monitor;
-    std::string m_recordedElementName;
+    // Null while no name is recorded, which is almost always: every bound
+    // object carries this, so it stays one pointer wide.
+    std::unique_ptr<std::string> m_recordedElementName;
 };
 
 }  // namespace QmXmlLib10
