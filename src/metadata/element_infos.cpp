@@ -50,6 +50,24 @@ bool ClaimsElement(const CXmlObjectBase* member, const CXmlSerializationContext&
 
 }  // namespace
 
+template <class Parse>
+bool CElementInfo::ReadSimpleElement(const CXmlSerializationContext& ctx, CXmlGeneratedClass* obj,
+                                     CXmlElement** current, bool mandatorySequence, bool nillable,
+                                     Parse&& parse) const {
+    if (!FindElement(ctx, current, mandatorySequence)) return false;
+    CXmlElement* element = *current;
+    QmVariant value;
+    if (IsNilElement(element)) {
+        if (!nillable) ThrowNotNillable();
+        value.SetNil();
+    } else {
+        parse(element, value);
+    }
+    AccessProperty(obj, false, value);
+    *current = element->GetNextSiblingElement();
+    return true;
+}
+
 // ---------------------------------------------------------------- Prim
 
 template <class Group, bool Mandatory>
@@ -79,19 +97,11 @@ template <class Group, bool Mandatory>
 bool CElementInfoPrim<Group, Mandatory>::ElementFromXml(const CXmlSerializationContext& ctx,
                                                         CXmlGeneratedClass* obj, CXmlElement*, CXmlElement** current,
                                                         const char*, XmlElementType) {
-    if (!this->FindElement(ctx, current, Mandatory && detail::IsSequence<Group>)) return false;
-    CXmlElement* element = *current;
-    QmVariant value;
-    if (this->IsNilElement(element)) {
-        if (!m_nillable) this->ThrowNotNillable();
-        value.SetNil();
-    } else {
-        value.FromString(element->GetText(), m_type, m_rule);
-        CheckRestriction(value);
-    }
-    this->AccessProperty(obj, false, value);
-    *current = element->GetNextSiblingElement();
-    return true;
+    return this->ReadSimpleElement(ctx, obj, current, Mandatory && detail::IsSequence<Group>, m_nillable,
+                                   [this](const CXmlElement* element, QmVariant& value) {
+                                       value.FromString(element->GetText(), m_type, m_rule);
+                                       CheckRestriction(value);
+                                   });
 }
 
 // ---------------------------------------------------------------- Enum
@@ -115,19 +125,11 @@ template <class Group, bool Mandatory>
 bool CElementInfoEnum<Group, Mandatory>::ElementFromXml(const CXmlSerializationContext& ctx,
                                                         CXmlGeneratedClass* obj, CXmlElement*, CXmlElement** current,
                                                         const char*, XmlElementType) {
-    if (!this->FindElement(ctx, current, Mandatory && detail::IsSequence<Group>)) return false;
-    CXmlElement* element = *current;
-    QmVariant value;
-    if (this->IsNilElement(element)) {
-        if (!m_nillable) this->ThrowNotNillable();
-        value.SetNil();
-    } else {
-        const std::string text = CWhitespaceUtils::Collapse(element->GetText());
-        value.SetI4(m_fromString ? m_fromString(text.c_str()) : 0);
-    }
-    this->AccessProperty(obj, false, value);
-    *current = element->GetNextSiblingElement();
-    return true;
+    return this->ReadSimpleElement(ctx, obj, current, Mandatory && detail::IsSequence<Group>, m_nillable,
+                                   [this](const CXmlElement* element, QmVariant& value) {
+                                       const std::string text = CWhitespaceUtils::Collapse(element->GetText());
+                                       value.SetI4(m_fromString ? m_fromString(text.c_str()) : 0);
+                                   });
 }
 
 // ---------------------------------------------------------------- Cls

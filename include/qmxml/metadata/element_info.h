@@ -119,6 +119,12 @@ protected:
     // IgnoreMissingMandatoryElements and throws ThrowRequired otherwise; every
     // other member answers false when *current is not its element.
     bool FindElement(const CXmlSerializationContext& ctx, CXmlElement** current, bool mandatorySequence) const;
+    // Reads a member of simple type: finds its element, takes xsi:nil (when
+    // nillable) or lets parse(element, value) fill the value, stores it and
+    // moves *current past the element. False when the element is not there.
+    template <class Parse>
+    bool ReadSimpleElement(const CXmlSerializationContext& ctx, CXmlGeneratedClass* obj, CXmlElement** current,
+                           bool mandatorySequence, bool nillable, Parse&& parse) const;
 
 private:
     std::string m_elementName;
