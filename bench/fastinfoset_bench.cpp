@@ -6,43 +6,27 @@
 #include <qmxml/qmxml.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <functional>
-#include <iterator>
 #include <string>
 
-#include <unistd.h>
-
+#include "bench_support.h"
 #include "orders.h"
 
 using namespace QmXmlLib10;
-using Clock = std::chrono::steady_clock;
+using bench::TimeBest;
 
 namespace {
 
 std::string MakeOrderBook(double megabytes) {
     const long orders = std::max(1L, static_cast<long>(megabytes * 1e6 / 1120));
-    const std::string path = "/tmp/qmxml_fi_bench_" + std::to_string(getpid()) + ".xml";
-    const std::string command =
-        std::string("python3 ") + QMXML_BENCH_DIR + "/gen_orders.py " + std::to_string(orders) + " " + path;
-    if (std::system(command.c_str()) != 0) {
+    std::string text;
+    std::string command;
+    if (!bench::GenerateOrderBook(orders, text, &command)) {
         std::fprintf(stderr, "failed: %s\n", command.c_str());
         std::exit(1);
     }
-    std::ifstream in(path, std::ios::binary);
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    std::remove(path.c_str());
     return text;
-}
-
-double Best(const std::function<void()>& run, double& best) {
-    const auto start = Clock::now();
-    run();
-    best = std::min(best, std::chrono::duration<double>(Clock::now() - start).count());
-    return best;
 }
 
 CBinaryData Gzip(const CBinaryData& data) {
@@ -81,14 +65,14 @@ int main(int argc, char** argv) {
     double loadText = 1e9, loadFi = 1e9, writeText = 1e9, writeFi = 1e9, bindText = 1e9, bindFi = 1e9;
     double boundText = 1e9, boundFi = 1e9;
     for (int run = 0; run < 5; ++run) {
-        Best([&] { Load(text); }, loadText);
-        Best([&] { Load(fi); }, loadFi);
-        Best([&] { tree->ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF); }, writeText);
-        Best([&] { tree->ToFastInfosetStream(FInfoDecl_None); }, writeFi);
-        Best([&] { orders::COrders book; book.FromXmlStream(text); }, bindText);
-        Best([&] { orders::COrders book; book.FromXmlStream(fi); }, bindFi);
-        Best([&] { bound.ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF); }, boundText);
-        Best([&] { bound.ToFastInfosetStream(FInfoDecl_None); }, boundFi);
+        TimeBest(loadText, [&] { Load(text); });
+        TimeBest(loadFi, [&] { Load(fi); });
+        TimeBest(writeText, [&] { tree->ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF); });
+        TimeBest(writeFi, [&] { tree->ToFastInfosetStream(FInfoDecl_None); });
+        TimeBest(bindText, [&] { orders::COrders book; book.FromXmlStream(text); });
+        TimeBest(bindFi, [&] { orders::COrders book; book.FromXmlStream(fi); });
+        TimeBest(boundText, [&] { bound.ToXmlStream(true, false, XmlEncoding_UTF8, EOLType_LF); });
+        TimeBest(boundFi, [&] { bound.ToFastInfosetStream(FInfoDecl_None); });
     }
     const double mb = textSize / 1e6;
     std::printf("load:  text %.1f MB/s, Fast Infoset %.1f MB/s (of text), FI/text speed %.2f\n", mb / loadText,
