@@ -161,7 +161,9 @@ bool CElementInfoCls<Group, Mandatory>::DiffersFromDeclaredClass(const CXmlSeria
     const auto* generated = dynamic_cast<const CXmlGeneratedClass*>(member);
     if (!generated || !ctx.GetWriteTypeAttribute() || generated->GetTypeName().empty() || !m_factory) return false;
     const CSmartPtr<CXmlObjectBase> declared = m_factory(m_classIndex, this->GetElementName().c_str());
-    return declared && typeid(*declared) != typeid(*member);
+    if (!declared) return false;
+    const CXmlObjectBase& declaredObject = *declared;
+    return typeid(declaredObject) != typeid(*member);
 }
 
 template <class Group, bool Mandatory>
