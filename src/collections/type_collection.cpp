@@ -48,9 +48,7 @@ void CXmlTypeCollection::ToXml_Int(CXmlWriter* writer, bool, const char*, const 
 
 CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* current, const CXmlSerializationContext& ctx,
                                              bool) {
-    const char* name = GetItemElementName().c_str();
-    const char* ns = GetNamespace().c_str();
-    while (current && DoesElementNameMatch(ctx, current, name, ns)) {
+    while (current && DoesElementNameMatch(ctx, current, GetItemElementName(), GetNamespace())) {
         AddFromString(current->GetText());
         current = current->GetNextSiblingElement();
     }

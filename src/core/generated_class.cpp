@@ -270,7 +270,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
     if (ownElement && (isRoot || documentElement)) {
         const std::string expectedName = GetElementName();
         const std::string expectedNamespace = GetTargetNamespace();
-        if (!DoesElementNameMatch(ctx, parent, expectedName.c_str(), expectedNamespace.c_str())) {
+        if (!DoesElementNameMatch(ctx, parent, expectedName, expectedNamespace)) {
             throw CQmValidationException(FormatString("Unexpected root element [%s], expected [%s]",
                                                       parent->GetLocalName().c_str(), expectedName.c_str()));
         }
