@@ -118,6 +118,25 @@ void CXmlTextWriter::WriteEscaped(const char* value, bool attribute) {
     }
 }
 
+bool CXmlTextWriter::DeclaredInStartTag(const CXmlWriterContext& context, std::string_view name,
+                                        std::string_view value) const {
+    constexpr std::string_view xmlns = "xmlns";
+    if (name.compare(0, xmlns.size(), xmlns) != 0) return false;
+    if (name.size() > xmlns.size() && name[xmlns.size()] != ':') return false;
+    const std::string_view prefix = name.size() > xmlns.size() ? name.substr(xmlns.size() + 1) : std::string_view();
+    const std::string* declared = nullptr;
+    if (prefix.empty()) {
+        declared = m_startTagDefault;
+    } else {
+        for (std::size_t i = 0; i < context.GetOwnNamespaceCount() && !declared; ++i)
+            if (context.GetOwnNamespacePrefix(i) == prefix) declared = &context.GetOwnNamespaceURI(i);
+    }
+    if (declared == nullptr) return false;
+    if (*declared == value) return true;
+    throw CQmException(FormatString("The attribute [%.*s] contradicts the namespace declaration of the element [%s]",
+                                    static_cast<int>(name.size()), name.data(), context.m_localName.c_str()));
+}
+
 void CXmlTextWriter::WriteNamespaceDeclaration(const std::string& prefix, const std::string& uri) {
     Write(" xmlns:", 7);
     Write(prefix);
@@ -154,6 +173,7 @@ void CXmlTextWriter::StartElement(const char* localName, const char* namespaceUR
     const CXmlWriterContext* parent = context.m_parent;
     if (m_formatted) WriteTabs(context.m_depth);
     m_buffer.Append('<');
+    m_startTagDefault = nullptr;
 
     const std::string& uri = context.m_namespaceURI;
     bool declare = false;
@@ -188,6 +208,7 @@ void CXmlTextWriter::StartElement(const char* localName, const char* namespaceUR
             Write(" xmlns=\"", 8);
             WriteEscaped(GetDefaultNamespace().c_str(), true);
             m_buffer.Append('"');
+            m_startTagDefault = &GetDefaultNamespace();
         }
         // The alias declarations the base seeded, in alias-map order; the
         // root's own allocated prefix (if any) came after them and is written.
@@ -197,6 +218,8 @@ void CXmlTextWriter::StartElement(const char* localName, const char* namespaceUR
         }
     } else if (undeclareDefault) {
         Write(" xmlns=\"\"", 9);
+        static const std::string noNamespace;
+        m_startTagDefault = &noNamespace;
     }
     FlushIfFull();
 }
@@ -205,8 +228,9 @@ void CXmlTextWriter::WriteAttribute(const char* localName, const char* namespace
                                     ItemType) {
     CXmlWriterContext& context = RequireContext();
     if (!context.m_startTagOpen) throw CQmException("Attributes must be added before elements");
-    m_buffer.Append(' ');
     const std::string_view uri = OrEmpty(namespaceURI);
+    if (uri.empty() && DeclaredInStartTag(context, OrEmpty(localName), OrEmpty(value))) return;
+    m_buffer.Append(' ');
     if (!uri.empty()) {
         if (uri == XmlNamespaceURI) {
             Write("xml:", 4);

@@ -9,8 +9,6 @@
 #include <qmxml/metadata/parent_element_info.h>
 #include <qmxml/qmxml.h>
 
-#include "expect_throw.h"
-
 #include <optional>
 #include <string>
 
@@ -635,8 +633,6 @@ inline CSmartPtr<CXmlObjectBase> CreateObject(int classIndex, const char*) {
         default: return nullptr;
     }
 }
-
-using qmxml_test::FailureOf;
 
 inline const std::string kXsi = " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"";
 

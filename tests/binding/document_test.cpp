@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "binding_classes.h"
+#include "expect_throw.h"
 
 using namespace focus;
+using qmxml_test::FailureOf;
 
 TEST(Document, RootItemsWrittenInOrder) {
     CSmartPtr<Wild<kAny>> wild = new Wild<kAny>();

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include "binding_classes.h"
+#include "expect_throw.h"
 
 using namespace focus;
+using qmxml_test::FailureOf;
 
 namespace {
 

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "binding_classes.h"
+#include "expect_throw.h"
 
 using namespace focus;
+using qmxml_test::FailureOf;
 
 namespace {
 
@@ -100,6 +102,27 @@ TEST(Wildcards, RoundTripOfElementAndAttributes) {
     CSmartPtr<Wild<kAny>> again = new Wild<kAny>();
     again->FromXml(xml.c_str());
     EXPECT_EQ(again->ToXml(false, false), xml);
+}
+
+// Without namespace processing the declarations are attributes like any other,
+// and the attribute wildcard keeps them; written back, the one the writer makes
+// itself must not appear twice.
+TEST(Wildcards, DeclarationsKeptAsAttributesWithoutNamespaces) {
+    CXmlSerializationContext plain;
+    plain.SetSchemaType(SchemaType_NoNamespaces);
+    CSmartPtr<Wild<kAny>> wild = new Wild<kAny>();
+    wild->FromXml("<Wild xmlns=\"urn:f\" xmlns:o=\"urn:o\" o:x=\"1\"><o:E/></Wild>", plain);
+    ASSERT_EQ(wild->attributes->GetCount(), 3);
+    const std::string xml = wild->ToXml(false, false, EOLType_LF, plain);
+    EXPECT_EQ(xml, "<Wild xmlns=\"urn:f\" xmlns:o=\"urn:o\" o:x=\"1\"><o:E xmlns=\"\"/></Wild>");
+    CSmartPtr<Wild<kAny>> again = new Wild<kAny>();
+    again->FromXml(xml.c_str(), plain);
+    EXPECT_EQ(again->ToXml(false, false, EOLType_LF, plain), xml);
+
+    wild->FromXml("<Wild xmlns=\"urn:g\"/>", plain);
+    EXPECT_EQ(FailureOf([&] { wild->ToXml(false, false, EOLType_LF, plain); }),
+              "Failed to convert the element [Wild] to XML\n\n"
+              "The attribute [xmlns] contradicts the namespace declaration of the element [Wild]");
 }
 
 TEST(Wildcards, AnyDefaultNamespace) {

@@ -263,6 +263,37 @@ TEST(XmlTextWriter, NoNamespaceInsideTheDefaultNamespace) {
     EXPECT_EQ(root.Text(), "<r>\n\t<AA:c xmlns:AA=\"urn:d\"/>\n</r>\n");
 }
 
+// Without namespace processing, declarations are read as attributes in no
+// namespace; written back they must not repeat the writer's own.
+TEST(XmlTextWriter, DeclarationsHeldAsAttributes) {
+    Doc d;
+    d.w.SetDefaultNamespace("urn:d");
+    d.w.AddNamespaceAlias("p", "urn:p");
+    d.w.StartElement("r", "urn:d");
+    d.w.WriteAttribute("xmlns", "", "urn:d");
+    d.w.WriteAttribute("xmlns:p", "", "urn:p");
+    d.w.WriteAttribute("xmlns:o", "", "urn:o");  // not declared by the writer
+    d.w.WriteAttribute("xmlnsx", "", "1");       // not a declaration
+    d.w.StartElement("c", "");
+    d.w.WriteAttribute("xmlns", "", "");
+    d.w.EndElement();
+    d.w.StartElement("k", "urn:d");
+    d.w.WriteAttribute("xmlns", "", "urn:d");  // in scope, but not declared here
+    d.w.EndElement();
+    d.w.EndElement();
+    EXPECT_EQ(d.Text(),
+              "<r xmlns=\"urn:d\" xmlns:p=\"urn:p\" xmlns:o=\"urn:o\" xmlnsx=\"1\">\n"
+              "\t<c xmlns=\"\"/>\n"
+              "\t<k xmlns=\"urn:d\"/>\n"
+              "</r>\n");
+
+    Doc conflict;
+    conflict.w.SetDefaultNamespace("urn:d");
+    conflict.w.StartElement("r", "urn:d");
+    EXPECT_EQ(MessageOf([&] { conflict.w.WriteAttribute("xmlns", "", "urn:e"); }),
+              "The attribute [xmlns] contradicts the namespace declaration of the element [r]");
+}
+
 TEST(XmlTextWriter, XsiTypeAndNil) {
     Doc d;
     d.w.StartElement("r", "");

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "qmxml/core/enums.h"
 #include "qmxml/writer/text_stream.h"
@@ -80,6 +81,11 @@ private:
     // formatted, a line end; asChild also counts a child.
     void CloseStartTag(bool asChild);
     CXmlWriterContext& RequireContext() const;
+    // For an attribute in no namespace named xmlns or xmlns:p (a declaration
+    // read as data, as without namespace processing): true when the open start
+    // tag already makes the same declaration, so that writing it again would
+    // repeat an attribute. A different one throws.
+    bool DeclaredInStartTag(const CXmlWriterContext& context, std::string_view name, std::string_view value) const;
     void FlushIfFull() {
         if (m_buffer.GetLength() >= FlushThreshold) m_stream.Flush();
     }
@@ -90,6 +96,8 @@ private:
     CTextStream& m_stream;
     CStringBuffer& m_buffer;
     std::string m_newPrefix;  // reused for prefix allocation
+    // The default namespace the open start tag declares (xmlns="..."), or null.
+    const std::string* m_startTagDefault = nullptr;
 };
 
 }  // namespace QmXmlLib10

@@ -1,0 +1,150 @@
+// Feeds arbitrary bytes to FromXmlStream of a bound class: the order book or
+// one of the small classes of the binding tests. The first byte picks the
+// class (bits 0 to 3) and the context (bits 4 and 5: strict, skip unknown
+// elements, tolerate missing mandatory ones, or tolerate missing choices and
+// collection counts; bit 6: ignore unknown attributes and namespaces; bit 7:
+// a schema without namespaces); the rest is the input.
+//
+// What reads must write and read back: the text written from the object reads
+// into a new object that writes the same text, and so does the object written
+// as Fast Infoset. The comparison uses unformatted text, as indenting mixed
+// content (a wildcard element with text and children) adds to its text; the
+// formatted text must still read back. A strict read must also be writable; a
+// lenient one may have let through an object that validation on writing
+// rejects. Anything but a CQmException escaping, a crash, a leak or a
+// difference is a bug.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "binding_classes.h"
+#include "orders.h"
+
+using namespace QmXmlLib10;
+
+namespace {
+
+using Factory = std::function<CSmartPtr<CXmlObjectBase>()>;
+
+const std::vector<Factory>& Classes() {
+    static const std::vector<Factory> classes = {
+        [] { return CSmartPtr<CXmlObjectBase>(new orders::COrders()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Person()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Shipping<false>()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Shipping<true>()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Zoo()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kAny>()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kOther>()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kLocal>()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kTarget>()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kList>()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Bag()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Chart()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Window()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Market()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Reading()); },
+        [] { return CSmartPtr<CXmlObjectBase>(new focus::Memo()); },
+    };
+    return classes;
+}
+
+[[noreturn]] void Fail(const char* what, const std::string& detail) {
+    std::fprintf(stderr, "%s\n%s\n", what, detail.c_str());
+    std::abort();
+}
+
+std::string AsText(const CBinaryData& data) {
+    return data.GetLength() == 0 ? std::string()
+                                 : std::string(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
+}
+
+// Reads data into a new object of the class; a failure here is a bug.
+CSmartPtr<CXmlObjectBase> ReadBack(const Factory& create, CBinaryData data, const CXmlSerializationContext& ctx,
+                                   const char* what) {
+    CSmartPtr<CXmlObjectBase> object = create();
+    try {
+        object->FromXmlStream(data, ctx);
+    } catch (const CQmException& e) {
+        Fail(what, e.GetFullMessage());
+    }
+    return object;
+}
+
+CBinaryData WriteText(const CXmlObjectBase& object, const CXmlSerializationContext& ctx, bool formatted = false) {
+    return object.ToXmlStream(true, formatted, XmlEncoding_UTF8, EOLType_LF, ctx);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 2) return 0;
+    const std::uint8_t mode = data[0];
+    const Factory& create = Classes()[(mode & 15) % Classes().size()];  // sixteen classes
+    CXmlSerializationContext ctx;
+    const int leniency = (mode >> 4) & 3;
+    if (leniency == 1) ctx.SetIgnoreUnknownElements(true);
+    if (leniency == 2) ctx.SetIgnoreMissingMandatoryElements(true);
+    if (leniency == 3) {
+        ctx.SetIgnoreMissingChoice(true);
+        ctx.SetIgnoreInvalidCollectionCounts(true);
+    }
+    if ((mode & 64) != 0) {
+        ctx.SetIgnoreUnknownAttributes(true);
+        ctx.SetIgnoreNamespaces(true);
+    }
+    if ((mode & 128) != 0) ctx.SetSchemaType(SchemaType_NoNamespaces);
+    const bool strict = (mode & 0x70) == 0;
+
+    // The stream overload takes a mutable pointer.
+    std::vector<unsigned char> input(data + 1, data + size);
+    CSmartPtr<CXmlObjectBase> object = create();
+    try {
+        object->FromXmlStream(input.data(), static_cast<std::uint32_t>(input.size()), ctx);
+    } catch (const CQmException&) {
+        return 0;
+    }
+
+    CBinaryData text;
+    try {
+        text = WriteText(*object, ctx);
+    } catch (const CQmException& e) {
+        if (strict) Fail("a strictly read object could not be written", e.GetFullMessage());
+        return 0;
+    }
+    const std::string written = AsText(text);
+
+    CSmartPtr<CXmlObjectBase> again = ReadBack(create, text, ctx, "the written text did not read back");
+    std::string rewritten;
+    try {
+        rewritten = AsText(WriteText(*again, ctx));
+    } catch (const CQmException& e) {
+        Fail("the object read back could not be written", e.GetFullMessage());
+    }
+    if (rewritten != written) Fail("the text changed on the second round", written + "\n---\n" + rewritten);
+
+    try {
+        ReadBack(create, WriteText(*object, ctx, true), ctx, "the formatted text did not read back");
+    } catch (const CQmException& e) {
+        Fail("an object written as text could not be written formatted", e.GetFullMessage());
+    }
+
+    CBinaryData binary;
+    try {
+        binary = object->ToFastInfosetStream(FInfoDecl_None, ctx);
+    } catch (const CQmException& e) {
+        Fail("an object written as text could not be written as Fast Infoset", e.GetFullMessage());
+    }
+    CSmartPtr<CXmlObjectBase> fromBinary = ReadBack(create, binary, ctx, "the Fast Infoset did not read back");
+    std::string fromBinaryText;
+    try {
+        fromBinaryText = AsText(WriteText(*fromBinary, ctx));
+    } catch (const CQmException& e) {
+        Fail("the object read from Fast Infoset could not be written", e.GetFullMessage());
+    }
+    if (fromBinaryText != written) Fail("Fast Infoset changed the object", written + "\n---\n" + fromBinaryText);
+    return 0;
+}
