@@ -21,6 +21,10 @@ namespace {
 
 [[noreturn]] void BadIndex() { Fail("Index out of range."); }
 
+[[noreturn]] void BadCharacters() {
+    Fail("Invalid character string: malformed UTF-8 or UTF-16, or a character that XML does not allow.");
+}
+
 template <class T>
 const T& At(const std::vector<T>& table, std::uint32_t index) {
     if (index < 1 || index > table.size()) BadIndex();
@@ -226,6 +230,8 @@ std::uint32_t CFastInfosetReader::SequenceLength() {
 // --- Strings ---------------------------------------------------------------------
 
 void CFastInfosetReader::ToLocal(const unsigned char* octets, std::size_t length, std::string& out) {
+    // What could not be written as XML text is not taken in either.
+    if (!platform::IsXmlUtf8(reinterpret_cast<const char*>(octets), length)) BadCharacters();
     platform::Utf8ToLocal(reinterpret_cast<const char*>(octets), length, out);
 }
 
@@ -239,7 +245,12 @@ void CFastInfosetReader::Utf16ToLocal(const unsigned char* octets, std::size_t l
     for (std::size_t i = 0; i < units.size(); ++i)
         units[i] = static_cast<unsigned short>((octets[2 * i] << 8) | octets[2 * i + 1]);
     m_scratch.clear();
-    platform::Utf16ToUtf8(units.data(), units.size(), m_scratch);
+    try {
+        platform::Utf16ToUtf8(units.data(), units.size(), m_scratch);
+    } catch (const CQmInvalidValueException&) {
+        BadCharacters();
+    }
+    if (!platform::IsXmlUtf8(m_scratch.data(), m_scratch.size())) BadCharacters();
     platform::Utf8ToLocal(m_scratch.data(), m_scratch.size(), out);
 }
 

@@ -5,6 +5,7 @@
 #include <langinfo.h>
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 #include "qmxml/core/exception.h"
@@ -91,7 +92,7 @@ void Convert(iconv_t cd, const char* text, std::size_t length, std::string& out,
 }
 
 // Decodes one UTF-8 sequence at text[i]; returns false when it is malformed.
-bool DecodeUtf8(const unsigned char* text, std::size_t length, std::size_t& i, std::uint32_t& cp) {
+inline bool DecodeUtf8(const unsigned char* text, std::size_t length, std::size_t& i, std::uint32_t& cp) {
     const unsigned char c = text[i];
     int extra;
     std::uint32_t min;
@@ -194,6 +195,25 @@ void LocalToUtf16LE(const char* text, std::size_t length, std::string& out) {
             AppendUnitLE(out, cp);
         }
     }
+}
+
+bool IsXmlUtf8Slow(const char* text, std::size_t length) {
+    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text);
+    std::size_t i = 0;
+    while (i < length) {
+        // Mostly ASCII with a few accented letters: skip printable runs by the word.
+        while (length - i >= 8 && IsPrintableAscii(text + i, 8)) i += 8;
+        if (i == length) break;
+        const unsigned char c = bytes[i];
+        if (c >= 0x20 && c < 0x80) {
+            ++i;
+            continue;
+        }
+        std::uint32_t cp = 0;
+        if (!DecodeUtf8(bytes, length, i, cp)) return false;
+        if (cp < 0x20 ? (cp != 0x09 && cp != 0x0A && cp != 0x0D) : (cp == 0xFFFE || cp == 0xFFFF)) return false;
+    }
+    return true;
 }
 
 void Utf16ToUtf8(const unsigned short* text, std::size_t units, std::string& out) {

@@ -242,6 +242,30 @@ TEST(FastInfosetReader, MalformedInputMessages) {
     EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0xF0, 0x00, 0xF0}})), prefix + "Invalid Encoding of Element type.");
 }
 
+// What XML text could not carry is refused, so that everything read can be
+// written out again as well-formed XML.
+TEST(FastInfosetReader, CharactersXmlCannotCarryAreRefused) {
+    const std::string refused =
+        "Failed to parse FastInfoset. Invalid character string: malformed UTF-8 or UTF-16, or a character that XML "
+        "does not allow.";
+    // Chunks of one and two octets on the seventh bit.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x81, 0xC3, 0x28, 0xFF}})), refused);  // bad continuation
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x81, 0xC0, 0x80, 0xFF}})), refused);  // overlong NUL
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x80, 0x01, 0xFF}})), refused);        // U+0001
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x80, 0x00, 0xFF}})), refused);        // U+0000
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x82, 0x00, 0xEF, 0xBF, 0xBE, 0xFF}})), refused);  // U+FFFE
+    // UTF-16: a lone high surrogate, and U+0008.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x85, 0xD8, 0x3D, 0xFF}})), refused);
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x85, 0x00, 0x08, 0xFF}})), refused);
+    // A literal element name that is not UTF-8.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0xC0, 0xFF}})), refused);
+
+    // Tab, line feed and characters beyond the BMP are fine.
+    CXmlDocument doc;
+    Load(doc, Cat({kHeader, {0x3C, 0x00, 0x61, 0x82, 0x03}, Text("\t\n\xF0\x9F\x98\x80"), {0xFF}}));
+    EXPECT_EQ(doc.GetDocumentElement()->GetText(), "\t\n\xF0\x9F\x98\x80");
+}
+
 TEST(FastInfosetReader, RestrictedAlphabetsDecode) {
     // Numeric alphabet: "12" is 0x12, then the terminator in a padding nibble.
     CXmlDocument doc;
