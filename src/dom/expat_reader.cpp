@@ -20,6 +20,8 @@ namespace {
 
 constexpr char kSeparator = '|';
 constexpr std::size_t kInitialCacheSlots = 64;
+// Longer texts are not taken for names (Expat would accept them, slowly).
+constexpr std::size_t kMaxNameLength = 1u << 20;
 
 using bytes::Load64;
 using bytes::SameBytes;
@@ -40,7 +42,57 @@ std::size_t QuickHash(const char* name, std::size_t length) noexcept {
     return static_cast<std::size_t>(h ^ (h >> 29));
 }
 
+bool IsAsciiNameStart(unsigned char c) noexcept {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+}
+
+bool IsAsciiNameChar(unsigned char c) noexcept {
+    return IsAsciiNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+}
+
 }  // namespace
+
+// ------------------------------------------------------------- name check
+
+CExpatNameCheck::~CExpatNameCheck() {
+    if (m_parser != nullptr) XML_ParserFree(m_parser);
+}
+
+bool CExpatNameCheck::IsNCName(const char* name, std::size_t length) {
+    if (length == 0 || length > kMaxNameLength) return false;
+    bool ascii = true;
+    for (std::size_t i = 0; i < length; ++i) {
+        const unsigned char c = static_cast<unsigned char>(name[i]);
+        if (c == ':') return false;  // never part of a longer UTF-8 sequence
+        if (c >= 0x80) ascii = false;
+    }
+    if (ascii) {
+        if (!IsAsciiNameStart(static_cast<unsigned char>(name[0]))) return false;
+        for (std::size_t i = 1; i < length; ++i)
+            if (!IsAsciiNameChar(static_cast<unsigned char>(name[i]))) return false;
+        return true;
+    }
+    if (m_parser == nullptr) {
+        m_parser = XML_ParserCreate("UTF-8");
+        if (m_parser == nullptr) throw std::bad_alloc();
+    } else if (XML_ParserReset(m_parser, "UTF-8") != XML_TRUE) {
+        throw std::bad_alloc();
+    }
+    XML_SetUserData(m_parser, this);
+    XML_SetStartElementHandler(m_parser, &OnStart);
+    m_document.assign("<").append(name, length).append("/>");
+    m_expected = std::string_view(name, length);
+    m_matched = false;
+    // The element must parse, and be named by the whole text, with no
+    // attribute made of the rest.
+    const XML_Status status = XML_Parse(m_parser, m_document.data(), static_cast<int>(m_document.size()), 1);
+    return status == XML_STATUS_OK && m_matched;
+}
+
+void XMLCALL CExpatNameCheck::OnStart(void* self, const XML_Char* name, const XML_Char** attributes) {
+    CExpatNameCheck* check = static_cast<CExpatNameCheck*>(self);
+    check->m_matched = attributes[0] == nullptr && std::string_view(name) == check->m_expected;
+}
 
 CExpatReader::CExpatReader(CXmlDocument& document, bool namespaces, bool keepCDATA)
     : CInstanceMonitor("CExpatReader"),

@@ -6,6 +6,7 @@
 #include <exception>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <expat.h>
@@ -16,6 +17,29 @@ namespace QmXmlLib10 {
 
 class CXmlDocument;
 class CXmlElement;
+
+// Tells whether UTF-8 text is a name without a colon as Expat reads names,
+// so that names taken from elsewhere (Fast Infoset) are only accepted when
+// they can be written as XML text that reads back. ASCII names are checked
+// here; others are handed to Expat as an empty element, on one parser reset
+// for each name.
+class CExpatNameCheck {
+public:
+    CExpatNameCheck() = default;
+    ~CExpatNameCheck();
+    CExpatNameCheck(const CExpatNameCheck&) = delete;
+    CExpatNameCheck& operator=(const CExpatNameCheck&) = delete;
+
+    bool IsNCName(const char* name, std::size_t length);
+
+private:
+    static void XMLCALL OnStart(void* self, const XML_Char* name, const XML_Char** attributes);
+
+    XML_Parser m_parser = nullptr;
+    std::string m_document;
+    std::string_view m_expected;
+    bool m_matched = false;
+};
 
 // Owns one Expat parser for one parse and turns its callbacks into tree
 // builder calls. Input may come whole (ParseAll) or piece by piece (Parse,

@@ -310,6 +310,8 @@ const std::string& CFastInfosetReader::IdentifyingString(Table table) {
     }
     std::string value;
     ToLocal(p, static_cast<std::size_t>(length), value);
+    if (table == Table::Local && !m_names.IsNCName(reinterpret_cast<const char*>(p), static_cast<std::size_t>(length)))
+        Fail("Invalid local name: not a name that XML text allows.");
     if (strings->size() >= CFIVocabulary::MaxIndex) BadIndex();
     strings->push_back(std::move(value));
     return strings->back();

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "dom/expat_reader.h"
 #include "qmxml/fastinfoset/fi_statistics.h"
 
 namespace QmXmlLib10 {
@@ -109,6 +110,7 @@ private:
     std::string m_text;
     std::string m_scratch;
     std::string m_value;
+    CExpatNameCheck m_names;  // literal local names must be names in XML text too
 };
 
 }  // namespace QmXmlLib10

@@ -266,6 +266,24 @@ TEST(FastInfosetReader, CharactersXmlCannotCarryAreRefused) {
     EXPECT_EQ(doc.GetDocumentElement()->GetText(), "\t\n\xF0\x9F\x98\x80");
 }
 
+// Local names are held to the rules of names in XML text, as Expat applies them.
+TEST(FastInfosetReader, LocalNamesMustBeXmlNames) {
+    const auto element = [](const std::string& name) {
+        return Cat({kHeader, {0x3C, static_cast<unsigned char>(name.size() - 1)}, Text(name), {0xFF}});
+    };
+    const std::string refused = "Failed to parse FastInfoset. Invalid local name: not a name that XML text allows.";
+    for (const char* bad : {"I'", "a b", "1a", "-a", "a:b", "a>", "\xC2\xB7" "a", "a\xE2\x80\x8B"}) {
+        EXPECT_EQ(LoadError(element(bad)), refused) << bad;
+    }
+    // An attribute's local name too: literal "b c" on element "a".
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x02}, Text("b c"), {0x40, 0x31, 0xFF}})), refused);
+    for (const char* good : {"a", "_a-1.b", "\xC3\xA9t\xC3\xA9", "a\xC2\xB7", "\xE6\x97\xA5\xE6\x9C\xAC"}) {
+        CXmlDocument doc;
+        Load(doc, element(good));
+        EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), good);
+    }
+}
+
 TEST(FastInfosetReader, RestrictedAlphabetsDecode) {
     // Numeric alphabet: "12" is 0x12, then the terminator in a padding nibble.
     CXmlDocument doc;
