@@ -58,20 +58,22 @@ CExpatNameCheck::~CExpatNameCheck() {
     if (m_parser != nullptr) XML_ParserFree(m_parser);
 }
 
-bool CExpatNameCheck::IsNCName(const char* name, std::size_t length) {
+bool CExpatNameCheck::IsName(const char* name, std::size_t length, bool colons) {
     if (length == 0 || length > kMaxNameLength) return false;
     bool ascii = true;
     for (std::size_t i = 0; i < length; ++i) {
         const unsigned char c = static_cast<unsigned char>(name[i]);
-        if (c == ':') return false;  // never part of a longer UTF-8 sequence
+        if (c == ':' && !colons) return false;  // never part of a longer UTF-8 sequence
         if (c >= 0x80) ascii = false;
     }
     if (ascii) {
-        if (!IsAsciiNameStart(static_cast<unsigned char>(name[0]))) return false;
+        const auto start = [](unsigned char c) { return IsAsciiNameStart(c) || c == ':'; };
+        if (!start(static_cast<unsigned char>(name[0]))) return false;
         for (std::size_t i = 1; i < length; ++i)
-            if (!IsAsciiNameChar(static_cast<unsigned char>(name[i]))) return false;
+            if (!IsAsciiNameChar(static_cast<unsigned char>(name[i])) && name[i] != ':') return false;
         return true;
     }
+    // Without namespace processing, colons are name characters like others.
     if (m_parser == nullptr) {
         m_parser = XML_ParserCreate("UTF-8");
         if (m_parser == nullptr) throw std::bad_alloc();

@@ -18,7 +18,7 @@ namespace QmXmlLib10 {
 class CXmlDocument;
 class CXmlElement;
 
-// Tells whether UTF-8 text is a name without a colon as Expat reads names,
+// Tells whether UTF-8 text is a name (with colons allowed or not) as Expat reads names,
 // so that names taken from elsewhere (Fast Infoset) are only accepted when
 // they can be written as XML text that reads back. ASCII names are checked
 // here; others are handed to Expat as an empty element, on one parser reset
@@ -30,7 +30,7 @@ public:
     CExpatNameCheck(const CExpatNameCheck&) = delete;
     CExpatNameCheck& operator=(const CExpatNameCheck&) = delete;
 
-    bool IsNCName(const char* name, std::size_t length);
+    bool IsName(const char* name, std::size_t length, bool colons);
 
 private:
     static void XMLCALL OnStart(void* self, const XML_Char* name, const XML_Char** attributes);

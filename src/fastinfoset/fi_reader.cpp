@@ -75,6 +75,8 @@ void CFastInfosetReader::LoadVocabulary() {
 }
 
 bool CFastInfosetReader::Parse(CXmlDocument& document, const unsigned char* data, std::size_t length) {
+    // Without namespace processing a name may hold colons, as in XML text.
+    m_colonsInNames = CXmlDocumentLoading::GetSchemaType(document) == SchemaType_NoNamespaces;
     std::size_t start = 0;
     auto identified = [&](std::size_t at) {
         return length > at + 4 && std::memcmp(data + at, fi_layout::kIdentification, 4) == 0;
@@ -310,7 +312,8 @@ const std::string& CFastInfosetReader::IdentifyingString(Table table) {
     }
     std::string value;
     ToLocal(p, static_cast<std::size_t>(length), value);
-    if (table == Table::Local && !m_names.IsNCName(reinterpret_cast<const char*>(p), static_cast<std::size_t>(length)))
+    if (table == Table::Local &&
+        !m_names.IsName(reinterpret_cast<const char*>(p), static_cast<std::size_t>(length), m_colonsInNames))
         Fail("Invalid local name: not a name that XML text allows.");
     if (strings->size() >= CFIVocabulary::MaxIndex) BadIndex();
     strings->push_back(std::move(value));

@@ -111,6 +111,7 @@ private:
     std::string m_scratch;
     std::string m_value;
     CExpatNameCheck m_names;  // literal local names must be names in XML text too
+    bool m_colonsInNames = false;
 };
 
 }  // namespace QmXmlLib10

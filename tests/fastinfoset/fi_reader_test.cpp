@@ -282,6 +282,12 @@ TEST(FastInfosetReader, LocalNamesMustBeXmlNames) {
         Load(doc, element(good));
         EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), good);
     }
+    // Without namespace processing a colon is part of the name, as in text.
+    CXmlSerializationContext plain;
+    plain.SetSchemaType(SchemaType_NoNamespaces);
+    CXmlDocument doc(plain);
+    Load(doc, element("x:lang"));
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "x:lang");
 }
 
 TEST(FastInfosetReader, RestrictedAlphabetsDecode) {
