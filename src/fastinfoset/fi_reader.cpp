@@ -1,6 +1,8 @@
 #include "fastinfoset/fi_reader.h"
 
+#include <algorithm>
 #include <cstring>
+#include <functional>
 
 #include "dom/xml_document_loading.h"
 #include "fastinfoset/fi_layouts.h"
@@ -539,15 +541,39 @@ bool CFastInfosetReader::StartElement(unsigned char octet) {
     CXmlTreeBuilder::SetName(element, name.localName, name.namespaceURI);
     m_open.push_back({element, m_text.size()});
     if (!hasAttributes) return false;
+    m_elementAttributes.clear();
     for (;;) {
         const unsigned char next = Byte();
-        if (next == 0xF0) return false;
-        if (next == 0xFF) return true;
+        if (next == 0xF0 || next == 0xFF) {
+            CheckAttributeNames();
+            return next == 0xFF;
+        }
         if (next & 0x80) Fail("Invalid Encoding of Element type.");
         const QName attribute = AttributeName(next);
+        // Declarations have their own items; as attributes they would turn
+        // into declarations when the document is written as text.
+        if (!m_colonsInNames && ((attribute.namespaceURI->empty() && *attribute.localName == "xmlns") ||
+                                 *attribute.namespaceURI == "http://www.w3.org/2000/xmlns/"))
+            Fail("Invalid attribute: a namespace declaration given as an attribute.");
+        m_elementAttributes.push_back(attribute);
         NonIdentifyingStringBit1(&m_attributeValues, nullptr, m_value);
         CXmlTreeBuilder::AddAttribute(element, attribute.localName, m_value, attribute.namespaceURI);
     }
+}
+
+void CFastInfosetReader::CheckAttributeNames() {
+    if (m_elementAttributes.size() < 2) return;
+    // Names are interned, so equal names are the same strings.
+    const std::less<const std::string*> before;
+    std::sort(m_elementAttributes.begin(), m_elementAttributes.end(), [&](const QName& a, const QName& b) {
+        return before(a.localName, b.localName) ||
+               (a.localName == b.localName && before(a.namespaceURI, b.namespaceURI));
+    });
+    const auto twice =
+        std::adjacent_find(m_elementAttributes.begin(), m_elementAttributes.end(), [](const QName& a, const QName& b) {
+            return a.localName == b.localName && a.namespaceURI == b.namespaceURI;
+        });
+    if (twice != m_elementAttributes.end()) Fail(("Duplicate attribute [" + *twice->localName + "].").c_str());
 }
 
 void CFastInfosetReader::CloseElement() {

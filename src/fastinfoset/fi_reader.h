@@ -81,6 +81,8 @@ private:
     void Comment();
     bool DocumentTypeDeclaration(unsigned char octet);
     bool StartElement(unsigned char octet);
+    // Throws when the open start tag holds one attribute name twice.
+    void CheckAttributeNames();
     bool Elements(unsigned char octet);
     void AppendChunkText(const std::string& chunk);
     void CloseElement();
@@ -112,6 +114,7 @@ private:
     std::string m_value;
     CExpatNameCheck m_names;  // literal local names must be names in XML text too
     bool m_colonsInNames = false;
+    std::vector<QName> m_elementAttributes;  // the open start tag's, for the duplicate check
 };
 
 }  // namespace QmXmlLib10

@@ -290,6 +290,32 @@ TEST(FastInfosetReader, LocalNamesMustBeXmlNames) {
     EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "x:lang");
 }
 
+TEST(FastInfosetReader, DuplicateAttributesAndDeclarationsAsAttributesAreRefused) {
+    const std::string prefix = "Failed to parse FastInfoset. ";
+    // <a b="1" b="2"/>, the second b literal again, then by index.
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x00, 0x62, 0x40, 0x31, 0x78, 0x00, 0x62, 0x40, 0x32,
+                                       0xFF, 0xF0}})),
+              prefix + "Duplicate attribute [b].");
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x00, 0x62, 0x40, 0x31, 0x00, 0x40, 0x32, 0xFF, 0xF0}})),
+              prefix + "Duplicate attribute [b].");
+    // The same local name in two namespaces is fine.
+    CXmlDocument two;
+    Load(two, Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x00, 0x62, 0x40, 0x31, 0x79, 0x04}, Text("urn:x"),
+                   {0x81, 0x40, 0x32, 0xFF, 0xF0}}));
+    EXPECT_EQ(two.GetDocumentElement()->GetAttributes().size(), 2u);
+
+    // An attribute named xmlns would become a declaration in text.
+    const Octets xmlns = Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x04}, Text("xmlns"), {0x40, 0x31, 0xFF, 0xF0}});
+    EXPECT_EQ(LoadError(xmlns), prefix + "Invalid attribute: a namespace declaration given as an attribute.");
+    // Without namespace processing it is an attribute like the others, as in text.
+    CXmlSerializationContext plain;
+    plain.SetSchemaType(SchemaType_NoNamespaces);
+    CXmlDocument doc(plain);
+    Load(doc, xmlns);
+    ASSERT_EQ(doc.GetDocumentElement()->GetAttributes().size(), 1u);
+    EXPECT_EQ(doc.GetDocumentElement()->GetAttributes()[0]->GetLocalName(), "xmlns");
+}
+
 TEST(FastInfosetReader, RestrictedAlphabetsDecode) {
     // Numeric alphabet: "12" is 0x12, then the terminator in a padding nibble.
     CXmlDocument doc;
