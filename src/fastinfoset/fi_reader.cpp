@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <string_view>
 
 #include "dom/xml_document_loading.h"
 #include "fastinfoset/fi_layouts.h"
@@ -22,6 +23,8 @@ namespace {
 [[noreturn]] void Fail(const char* what) { throw CQmException(std::string("Failed to parse FastInfoset. ") + what); }
 
 [[noreturn]] void BadIndex() { Fail("Index out of range."); }
+
+constexpr std::string_view kXmlnsNamespace = "http://www.w3.org/2000/xmlns/";
 
 [[noreturn]] void BadCharacters() {
     Fail("Invalid character string: malformed UTF-8 or UTF-16, or a character that XML does not allow.");
@@ -407,6 +410,9 @@ CFastInfosetReader::QName CFastInfosetReader::LiteralName(unsigned char octet, s
     if (octet & 0x02) IdentifyingString(Table::Prefix);
     const std::string* ns = nullptr;
     if (octet & 0x01) ns = &IdentifyingString(Table::Namespace);
+    // Expat refuses to bind anything to the declarations' own namespace.
+    if (ns != nullptr && !m_colonsInNames && *ns == kXmlnsNamespace)
+        Fail("Invalid name: in the namespace reserved for declarations.");
     const QName name{nullptr, CXmlTreeBuilder::Intern(*m_document, ns ? std::string_view(*ns) : std::string_view())};
     const std::string& local = IdentifyingString(Table::Local);
     const QName result{CXmlTreeBuilder::Intern(*m_document, local), name.namespaceURI};
@@ -552,8 +558,7 @@ bool CFastInfosetReader::StartElement(unsigned char octet) {
         const QName attribute = AttributeName(next);
         // Declarations have their own items; as attributes they would turn
         // into declarations when the document is written as text.
-        if (!m_colonsInNames && ((attribute.namespaceURI->empty() && *attribute.localName == "xmlns") ||
-                                 *attribute.namespaceURI == "http://www.w3.org/2000/xmlns/"))
+        if (!m_colonsInNames && attribute.namespaceURI->empty() && *attribute.localName == "xmlns")
             Fail("Invalid attribute: a namespace declaration given as an attribute.");
         m_elementAttributes.push_back(attribute);
         NonIdentifyingStringBit1(&m_attributeValues, nullptr, m_value);

@@ -307,6 +307,10 @@ TEST(FastInfosetReader, DuplicateAttributesAndDeclarationsAsAttributesAreRefused
     // An attribute named xmlns would become a declaration in text.
     const Octets xmlns = Cat({kHeader, {0x7C, 0x00, 0x61, 0x78, 0x04}, Text("xmlns"), {0x40, 0x31, 0xFF, 0xF0}});
     EXPECT_EQ(LoadError(xmlns), prefix + "Invalid attribute: a namespace declaration given as an attribute.");
+    // Nor may a name be in the namespace of declarations.
+    const Octets reserved =
+        Cat({kHeader, {0x3D, 0x1C}, Text("http://www.w3.org/2000/xmlns/"), {0x00, 0x61, 0xFF}});
+    EXPECT_EQ(LoadError(reserved), prefix + "Invalid name: in the namespace reserved for declarations.");
     // Without namespace processing it is an attribute like the others, as in text.
     CXmlSerializationContext plain;
     plain.SetSchemaType(SchemaType_NoNamespaces);
