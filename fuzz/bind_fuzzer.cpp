@@ -63,15 +63,21 @@ std::string AsText(const CBinaryData& data) {
                                  : std::string(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
 }
 
-// Reads data into a new object of the class; a failure here is a bug.
-CSmartPtr<CXmlObjectBase> ReadBack(const Factory& create, CBinaryData data, const CXmlSerializationContext& ctx,
-                                   const char* what) {
-    CSmartPtr<CXmlObjectBase> object = create();
+// What fn returns; a CQmException from it is a bug.
+template <class Fn>
+auto Must(const char* what, Fn&& fn) {
     try {
-        object->FromXmlStream(data, ctx);
+        return fn();
     } catch (const CQmException& e) {
         Fail(what, e.GetFullMessage());
     }
+}
+
+// Reads data into a new object of the class; a failure here is a bug.
+CSmartPtr<CXmlObjectBase> ReadBack(const Factory& create, const CBinaryData& data,
+                                   const CXmlSerializationContext& ctx, const char* what) {
+    CSmartPtr<CXmlObjectBase> object = create();
+    Must(what, [&] { object->FromXmlStream(data, ctx); });
     return object;
 }
 
@@ -123,33 +129,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string written = AsText(text);
 
     CSmartPtr<CXmlObjectBase> again = ReadBack(create, text, ctx, "the written text did not read back");
-    std::string rewritten;
-    try {
-        rewritten = AsText(WriteText(*again, ctx));
-    } catch (const CQmException& e) {
-        Fail("the object read back could not be written", e.GetFullMessage());
-    }
+    const std::string rewritten =
+        Must("the object read back could not be written", [&] { return AsText(WriteText(*again, ctx)); });
     if (rewritten != written) Fail("the text changed on the second round", written + "\n---\n" + rewritten);
 
-    try {
-        ReadBack(create, WriteText(*object, ctx, true), ctx, "the formatted text did not read back");
-    } catch (const CQmException& e) {
-        Fail("an object written as text could not be written formatted", e.GetFullMessage());
-    }
+    const CBinaryData formatted =
+        Must("an object written as text could not be written formatted", [&] { return WriteText(*object, ctx, true); });
+    ReadBack(create, formatted, ctx, "the formatted text did not read back");
 
-    CBinaryData binary;
-    try {
-        binary = object->ToFastInfosetStream(FInfoDecl_None, ctx);
-    } catch (const CQmException& e) {
-        Fail("an object written as text could not be written as Fast Infoset", e.GetFullMessage());
-    }
+    const CBinaryData binary = Must("an object written as text could not be written as Fast Infoset",
+                                    [&] { return object->ToFastInfosetStream(FInfoDecl_None, ctx); });
     CSmartPtr<CXmlObjectBase> fromBinary = ReadBack(create, binary, ctx, "the Fast Infoset did not read back");
-    std::string fromBinaryText;
-    try {
-        fromBinaryText = AsText(WriteText(*fromBinary, ctx));
-    } catch (const CQmException& e) {
-        Fail("the object read from Fast Infoset could not be written", e.GetFullMessage());
-    }
+    const std::string fromBinaryText = Must("the object read from Fast Infoset could not be written",
+                                            [&] { return AsText(WriteText(*fromBinary, ctx)); });
     if (fromBinaryText != written) Fail("Fast Infoset changed the object", written + "\n---\n" + fromBinaryText);
     return 0;
 }
