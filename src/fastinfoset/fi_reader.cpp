@@ -290,6 +290,10 @@ void CFastInfosetReader::RestrictedAlphabet(std::uint32_t index, const unsigned 
 
 void CFastInfosetReader::Algorithm(std::uint32_t index, const unsigned char* octets, std::size_t length,
                                    std::string& out) {
+    // The other algorithms give digits and letters; cdata carries text as it is.
+    if (index == CFastInfosetBinaryData::Algorithm_Cdata &&
+        !platform::IsXmlUtf8(reinterpret_cast<const char*>(octets), length))
+        BadCharacters();
     CFastInfosetBinaryData data(const_cast<unsigned char*>(octets), static_cast<std::uint32_t>(length), false);
     out += data.GetAsString(index);
 }

@@ -257,6 +257,11 @@ TEST(FastInfosetReader, CharactersXmlCannotCarryAreRefused) {
     // UTF-16: a lone high surrogate, and U+0008.
     EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x85, 0xD8, 0x3D, 0xFF}})), refused);
     EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x85, 0x00, 0x08, 0xFF}})), refused);
+    // Encoding algorithm 10 (cdata) carries text too: U+0001, then "x".
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0x61, 0x8C, 0x24, 0x01, 0xFF}})), refused);
+    CXmlDocument cdata;
+    Load(cdata, Cat({kHeader, {0x3C, 0x00, 0x61, 0x8C, 0x24, 0x78, 0xFF}}));
+    EXPECT_EQ(cdata.GetDocumentElement()->GetText(), "x");
     // A literal element name that is not UTF-8.
     EXPECT_EQ(LoadError(Cat({kHeader, {0x3C, 0x00, 0xC0, 0xFF}})), refused);
 
