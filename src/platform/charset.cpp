@@ -5,7 +5,6 @@
 #include <langinfo.h>
 
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "qmxml/core/exception.h"

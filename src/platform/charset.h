@@ -4,8 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string>
+
+#include "core/same_bytes.h"
 
 namespace QmXmlLib10 {
 namespace platform {
@@ -45,15 +46,11 @@ inline bool IsPrintableAscii(const char* text, std::size_t length) {
         }
         return (any & 0x80) == 0;
     }
-    std::uint64_t word;
     std::size_t i = 0;
     for (; i + 8 <= length; i += 8) {
-        std::memcpy(&word, text + i, 8);
-        if (!printable(word)) return false;
+        if (!printable(bytes::Load64(text + i))) return false;
     }
-    if (i == length) return true;
-    std::memcpy(&word, text + length - 8, 8);  // the last eight, overlapping
-    return printable(word);
+    return i == length || printable(bytes::Load64(text + length - 8));  // the last eight, overlapping
 }
 
 bool IsXmlUtf8Slow(const char* text, std::size_t length);
