@@ -268,12 +268,22 @@ void CXmlTextWriter::WriteText(const char* value, ItemType) {
         m_buffer.Append('>');
         context.m_startTagOpen = false;
     }
-    if (std::strncmp(value, "<![CDATA[", 9) == 0) {
-        m_buffer.Append(value);
-    } else {
-        WriteEscaped(value, false);
-    }
+    WriteTextValue(value);
     FlushIfFull();
+}
+
+void CXmlTextWriter::WriteTextValue(const char* value) {
+    // CDATA sections kept by the loader lead the text and go out as they came.
+    // A section left open, and whatever follows the last closed one, is
+    // escaped: written raw it would make the output malformed.
+    while (std::strncmp(value, "<![CDATA[", 9) == 0) {
+        const char* end = std::strstr(value + 9, "]]>");
+        if (end == nullptr) break;
+        end += 3;
+        Write(value, static_cast<std::size_t>(end - value));
+        value = end;
+    }
+    WriteEscaped(value, false);
 }
 
 void CXmlTextWriter::WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
@@ -304,11 +314,7 @@ void CXmlTextWriter::WriteSimpleElement(const char* localName, const char* names
     Write(name, nameLength);
     if (value && *value != '\0') {
         m_buffer.Append('>');
-        if (std::strncmp(value, "<![CDATA[", 9) == 0) {
-            m_buffer.Append(value);
-        } else {
-            WriteEscaped(value, false);
-        }
+        WriteTextValue(value);
         Write("</", 2);
         if (prefix) {
             Write(*prefix);

@@ -136,6 +136,14 @@ TEST(XmlTextWriter, TextAndCData) {
     d.w.StartElement("t", "");
     d.w.WriteText(" <![CDATA[");  // not at the start: escaped
     d.w.EndElement();
+    // Only complete sections at the start go out raw: an open one, or text
+    // after the last closed one, would not be XML unescaped.
+    d.w.StartElement("o", "");
+    d.w.WriteText("<![CDATA[a<b");
+    d.w.EndElement();
+    d.w.StartElement("m", "");
+    d.w.WriteText("<![CDATA[x]]><![CDATA[]]]]><![CDATA[>]]>y&<![CDATA[z]]>");
+    d.w.EndElement();
     d.w.StartElement("n", "");
     d.w.WriteText("");  // empty text leaves the start tag open
     d.w.WriteText(nullptr);
@@ -146,6 +154,8 @@ TEST(XmlTextWriter, TextAndCData) {
               "<r>\n"
               "\t<c><![CDATA[a<b&c]]></c>\n"
               "\t<t> &lt;![CDATA[</t>\n"
+              "\t<o>&lt;![CDATA[a&lt;b</o>\n"
+              "\t<m><![CDATA[x]]><![CDATA[]]]]><![CDATA[>]]>y&amp;&lt;![CDATA[z]]&gt;</m>\n"
               "\t<n a=\"1\"/>\n"
               "</r>\n");
 }
@@ -427,7 +437,7 @@ std::string SimpleElements(bool oneCall, bool formatted, EOLType eol) {
     Simple(d.w, oneCall, "a", "urn:d", "x & y\nz");       // unprefixed, closes the open start tag
     Simple(d.w, oneCall, "b", "urn:d", "");               // empty
     Simple(d.w, oneCall, "c", "urn:d", nullptr);
-    Simple(d.w, oneCall, "d", "urn:d", "<![CDATA[a<b]]>");
+    Simple(d.w, oneCall, "d", "urn:d", "<![CDATA[a<b]]>&");
     Simple(d.w, oneCall, "e", "", "no namespace");        // undeclares the default
     Simple(d.w, oneCall, "f", "urn:q", "alias");          // the root's alias
     Simple(d.w, oneCall, "g", "urn:new", "declared");     // a new prefix
@@ -456,7 +466,7 @@ TEST(XmlTextWriter, SimpleElementsInOneCallWriteWhatThreeCallsWrite) {
         "\t<a>x &amp; y\nz</a>\n"
         "\t<b/>\n"
         "\t<c/>\n"
-        "\t<d><![CDATA[a<b]]></d>\n"
+        "\t<d><![CDATA[a<b]]>&amp;</d>\n"
         "\t<e xmlns=\"\">no namespace</e>\n"
         "\t<q:f>alias</q:f>\n"
         "\t<AA:g xmlns:AA=\"urn:new\">declared</AA:g>\n"

@@ -47,7 +47,8 @@ public:
     // " ", a line end, the text unchanged, a line end.
     void WriteRaw(const char* text) override;
     void StartElement(const char* localName, const char* namespaceURI) override;
-    // Empty text writes nothing; text starting with "<![CDATA[" is written as is.
+    // Empty text writes nothing; CDATA sections at the start of the text (as the
+    // loader keeps them) are written as they are, the rest escaped.
     void WriteText(const char* value, ItemType itemType = ItemType_string) override;
     void EndElement() override;
     // The same text as the three calls, without a context of its own for the
@@ -76,6 +77,8 @@ private:
     void WriteEol() { m_buffer.Append(m_eol.data(), m_eol.size()); }
     void WriteTabs(std::int32_t count);
     void WriteEscaped(const char* value, bool attribute);
+    // Element text: leading complete CDATA sections as they are, the rest escaped.
+    void WriteTextValue(const char* value);
     void WriteNamespaceDeclaration(const std::string& prefix, const std::string& uri);
     // Closes the current element's start tag, if open: ">" and, when asChild and
     // formatted, a line end; asChild also counts a child.
