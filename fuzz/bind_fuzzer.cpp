@@ -54,7 +54,10 @@ const std::vector<Factory>& Classes() {
 }
 
 [[noreturn]] void Fail(const char* what, const std::string& detail) {
-    std::fprintf(stderr, "%s\n%s\n", what, detail.c_str());
+    // Whole, as the detail may hold zero bytes.
+    std::fprintf(stderr, "%s\n", what);
+    std::fwrite(detail.data(), 1, detail.size(), stderr);
+    std::fputc('\n', stderr);
     std::abort();
 }
 

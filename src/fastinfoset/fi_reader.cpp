@@ -409,6 +409,14 @@ void CFastInfosetReader::CharacterChunk(unsigned char octet, std::string& out) {
 
 // --- Names -----------------------------------------------------------------------
 
+// The text reader hands names to Expat with "|" between namespace and local
+// name, and Expat then refuses namespace names that hold it; refusing them
+// here too keeps documents read from Fast Infoset writable as text that reads back.
+void CFastInfosetReader::CheckNamespaceName(const std::string& uri) const {
+    if (!m_colonsInNames && uri.find('|') != std::string::npos)
+        Fail("Invalid namespace name: holds the character |, which XML text read with namespaces does not allow.");
+}
+
 CFastInfosetReader::QName CFastInfosetReader::LiteralName(unsigned char octet, std::vector<QName>& table) {
     if ((octet & 0x03) == 0x02) Fail("Invalid QName type Prefix without Namespace.");
     if (octet & 0x02) IdentifyingString(Table::Prefix);
@@ -417,6 +425,7 @@ CFastInfosetReader::QName CFastInfosetReader::LiteralName(unsigned char octet, s
     // Expat refuses to bind anything to the declarations' own namespace.
     if (ns != nullptr && !m_colonsInNames && *ns == kXmlnsNamespace)
         Fail("Invalid name: in the namespace reserved for declarations.");
+    if (ns != nullptr) CheckNamespaceName(*ns);
     const QName name{nullptr, CXmlTreeBuilder::Intern(*m_document, ns ? std::string_view(*ns) : std::string_view())};
     const std::string& local = IdentifyingString(Table::Local);
     const QName result{CXmlTreeBuilder::Intern(*m_document, local), name.namespaceURI};
@@ -541,6 +550,7 @@ bool CFastInfosetReader::StartElement(unsigned char octet) {
             std::string uri;
             if (next & 0x02) prefix = IdentifyingString(Table::Prefix);
             if (next & 0x01) uri = IdentifyingString(Table::Namespace);
+            CheckNamespaceName(uri);
             CXmlDocumentLoading::DeclareNamespace(*m_document, std::move(prefix), std::move(uri));
         }
         octet = Byte();

@@ -74,6 +74,7 @@ private:
     QName ElementName(unsigned char octet);
     QName AttributeName(unsigned char octet);
     QName LiteralName(unsigned char octet, std::vector<QName>& table);
+    void CheckNamespaceName(const std::string& uri) const;
 
     void OptionalComponents();
     void InitialVocabulary();

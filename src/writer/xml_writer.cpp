@@ -68,7 +68,11 @@ void CXmlWriter::EndDocument() {
 }
 
 void CXmlWriter::SetDefaultNamespace(const char* namespaceURI) {
-    if (!m_current) m_defaultNamespaceURI = namespaceURI ? namespaceURI : "";
+    if (m_current) return;
+    // The XML namespace is bound to "xml" for good and may not be declared as
+    // the default; elements in it are written with that prefix instead.
+    const std::string_view uri = namespaceURI ? namespaceURI : "";
+    m_defaultNamespaceURI = uri == XmlNamespaceURI ? std::string_view() : uri;
 }
 
 void CXmlWriter::AddNamespaceAlias(const char* alias, const char* namespaceURI) {

@@ -316,6 +316,12 @@ TEST(FastInfosetReader, DuplicateAttributesAndDeclarationsAsAttributesAreRefused
     const Octets reserved =
         Cat({kHeader, {0x3D, 0x1C}, Text("http://www.w3.org/2000/xmlns/"), {0x00, 0x61, 0xFF}});
     EXPECT_EQ(LoadError(reserved), prefix + "Invalid name: in the namespace reserved for declarations.");
+    // Namespace names holding the text reader's separator, in a name or a declaration.
+    const std::string separator =
+        prefix + "Invalid namespace name: holds the character |, which XML text read with namespaces does not allow.";
+    EXPECT_EQ(LoadError(Cat({kHeader, {0x3D, 0x06}, Text("urn:a|b"), {0x00, 0x61, 0xFF}})), separator);
+    const Octets declared = Cat({kHeader, {0x38, 0xCD, 0x06}, Text("urn:a|b"), {0xF0, 0x3C, 0x00, 0x61, 0xFF}});
+    EXPECT_EQ(LoadError(declared), separator);
     // Without namespace processing it is an attribute like the others, as in text.
     CXmlSerializationContext plain;
     plain.SetSchemaType(SchemaType_NoNamespaces);
@@ -323,6 +329,8 @@ TEST(FastInfosetReader, DuplicateAttributesAndDeclarationsAsAttributesAreRefused
     Load(doc, xmlns);
     ASSERT_EQ(doc.GetDocumentElement()->GetAttributes().size(), 1u);
     EXPECT_EQ(doc.GetDocumentElement()->GetAttributes()[0]->GetLocalName(), "xmlns");
+    Load(doc, declared);
+    EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "a");
 }
 
 TEST(FastInfosetReader, RestrictedAlphabetsDecode) {

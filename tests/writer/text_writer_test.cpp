@@ -239,6 +239,15 @@ TEST(XmlTextWriter, RootDeclaresDefaultNamespaceAndAliases) {
     empty.w.StartElement("r", "urn:d");
     empty.w.EndElement();
     EXPECT_EQ(empty.Text(), "<r xmlns=\"urn:d\"/>\n");
+
+    // The XML namespace cannot be declared as the default: a root in it keeps its prefix.
+    Doc xml;
+    xml.w.SetDefaultNamespace(kXml);
+    xml.w.StartElement("r", kXml);
+    xml.w.StartElement("c", kXml);
+    xml.w.EndElement();
+    xml.w.EndElement();
+    EXPECT_EQ(xml.Text(), "<xml:r>\n\t<xml:c/>\n</xml:r>\n");
 }
 
 TEST(XmlTextWriter, NoNamespaceInsideTheDefaultNamespace) {

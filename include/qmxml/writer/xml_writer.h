@@ -79,6 +79,7 @@ public:
     // Throws CQmException "An Element has not been closed." while an element is open.
     virtual void EndDocument();
     // Both are stored only while no element is open and ignored afterwards.
+    // The XML namespace is never the default (its elements take "xml:").
     virtual void SetDefaultNamespace(const char* namespaceURI);
     virtual void AddNamespaceAlias(const char* alias, const char* namespaceURI);
     virtual void WriteComment(const char* text) = 0;
