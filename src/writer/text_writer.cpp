@@ -141,8 +141,23 @@ void CXmlTextWriter::WriteNamespaceDeclaration(const std::string& prefix, const 
     Write(" xmlns:", 7);
     Write(prefix);
     Write("=\"", 2);
-    WriteEscaped(uri.c_str(), true);
+    WriteNamespaceName(uri);
     m_buffer.Append('"');
+}
+
+void CXmlTextWriter::WriteNamespaceName(std::string_view uri) {
+    // A namespace name must read back exactly, or the names in it change:
+    // unlike in attribute values, tabs and carriage returns are written as
+    // references (as such, a reader would turn them into a space or drop them).
+    std::string piece;
+    for (std::size_t start = 0;;) {
+        const std::size_t stop = uri.find_first_of("\t\r", start);
+        piece.assign(uri.substr(start, stop == std::string_view::npos ? std::string_view::npos : stop - start));
+        WriteEscaped(piece.c_str(), true);
+        if (stop == std::string_view::npos) return;
+        Write(uri[stop] == '\t' ? "&#x9;" : "&#xD;", 5);
+        start = stop + 1;
+    }
 }
 
 CXmlWriter::CXmlWriterContext& CXmlTextWriter::RequireContext() const {
@@ -206,7 +221,7 @@ void CXmlTextWriter::StartElement(const char* localName, const char* namespaceUR
         // falling into that namespace itself, so it is left out then.
         if (context.m_inDefaultNamespace) {
             Write(" xmlns=\"", 8);
-            WriteEscaped(GetDefaultNamespace().c_str(), true);
+            WriteNamespaceName(GetDefaultNamespace());
             m_buffer.Append('"');
             m_startTagDefault = &GetDefaultNamespace();
         }
@@ -242,7 +257,7 @@ void CXmlTextWriter::WriteAttribute(const char* localName, const char* namespace
                 Write("xmlns:", 6);
                 Write(m_newPrefix);
                 Write("=\"", 2);
-                WriteEscaped(namespaceURI, true);
+                WriteNamespaceName(namespaceURI);
                 Write("\" ", 2);
                 prefix = &m_newPrefix;
             }

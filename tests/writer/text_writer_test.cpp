@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <qmxml/core/exception.h>
+#include <qmxml/dom/xml_document.h>
+#include <qmxml/dom/xml_element.h>
 #include <qmxml/writer/text_stream.h>
 #include <qmxml/writer/text_writer.h>
 
@@ -280,6 +282,30 @@ TEST(XmlTextWriter, NoNamespaceInsideTheDefaultNamespace) {
     root.w.EndElement();
     root.w.EndElement();
     EXPECT_EQ(root.Text(), "<r>\n\t<AA:c xmlns:AA=\"urn:d\"/>\n</r>\n");
+}
+
+// Tabs and carriage returns in namespace names are written as references:
+// a reader would normalise them and the names would change namespace.
+TEST(XmlTextWriter, NamespaceNamesReadBackExactly) {
+    Doc d;
+    d.w.SetDefaultNamespace("urn:d\tx");
+    d.w.StartElement("r", "urn:d\tx");
+    d.w.WriteAttribute("at", "urn:t\t", "a\tb");  // a value keeps its tab
+    d.w.StartElement("c", "urn:a\r&b");
+    d.w.EndElement();
+    d.w.EndElement();
+    EXPECT_EQ(d.Text(),
+              "<r xmlns=\"urn:d&#x9;x\" xmlns:AA=\"urn:t&#x9;\" AA:at=\"a\tb\">\n"
+              "\t<AB:c xmlns:AB=\"urn:a&#xD;&amp;b\"/>\n"
+              "</r>\n");
+    CXmlDocument back;
+    back.LoadXml(d.Text().c_str());
+    const CXmlElement* root = back.GetDocumentElement();
+    EXPECT_EQ(root->GetNamespaceURI(), "urn:d\tx");
+    ASSERT_EQ(root->GetAttributes().size(), 1u);
+    EXPECT_EQ(root->GetAttributes()[0]->GetNamespaceURI(), "urn:t\t");
+    EXPECT_EQ(root->GetAttributes()[0]->GetValue(), "a b");  // values are normalised
+    EXPECT_EQ(root->GetFirstElement()->GetNamespaceURI(), "urn:a\r&b");
 }
 
 // Without namespace processing, declarations are read as attributes in no
