@@ -108,7 +108,7 @@ void WriteAndReadBack(const CXmlDocument& doc, const CXmlSerializationContext& c
     if (written.find('\t') == std::string::npos)
         Fail("the text changed on the second round", written + "\n---\n" + rewritten);
     const std::string third = ReadAndWrite(rewritten, back);
-    if (third != rewritten) Fail("the text changed on the third round", rewritten + "\n---\n" + third);
+    if (third != rewritten) Fail("the text changed on the third round", written + "\n---\n" + rewritten + "\n---\n" + third);
 }
 
 }  // namespace

@@ -419,18 +419,34 @@ void CFastInfosetReader::CheckNamespaceName(const std::string& uri) const {
 
 CFastInfosetReader::QName CFastInfosetReader::LiteralName(unsigned char octet, std::vector<QName>& table) {
     if ((octet & 0x03) == 0x02) Fail("Invalid QName type Prefix without Namespace.");
-    if (octet & 0x02) IdentifyingString(Table::Prefix);
+    // The prefix table is not touched by the reads below, so the reference holds.
+    const std::string* prefix = (octet & 0x02) ? &IdentifyingString(Table::Prefix) : nullptr;
     const std::string* ns = nullptr;
     if (octet & 0x01) ns = &IdentifyingString(Table::Namespace);
+    if (m_colonsInNames) {
+        // Without namespace processing text gives names whole, prefix included,
+        // and no namespace; the same tree comes from here.
+        const std::string& local = IdentifyingString(Table::Local);
+        const QName result{PlainName(prefix, local), CXmlTreeBuilder::Intern(*m_document, std::string_view())};
+        if (table.size() < CFIVocabulary::MaxIndex) table.push_back(result);
+        return result;
+    }
     // Expat refuses to bind anything to the declarations' own namespace.
-    if (ns != nullptr && !m_colonsInNames && *ns == kXmlnsNamespace)
-        Fail("Invalid name: in the namespace reserved for declarations.");
+    if (ns != nullptr && *ns == kXmlnsNamespace) Fail("Invalid name: in the namespace reserved for declarations.");
     if (ns != nullptr) CheckNamespaceName(*ns);
     const QName name{nullptr, CXmlTreeBuilder::Intern(*m_document, ns ? std::string_view(*ns) : std::string_view())};
     const std::string& local = IdentifyingString(Table::Local);
     const QName result{CXmlTreeBuilder::Intern(*m_document, local), name.namespaceURI};
     if (table.size() < CFIVocabulary::MaxIndex) table.push_back(result);
     return result;
+}
+
+const std::string* CFastInfosetReader::PlainName(const std::string* prefix, const std::string& local) {
+    if (prefix == nullptr) return CXmlTreeBuilder::Intern(*m_document, local);
+    m_scratchName.assign(*prefix).append(1, ':').append(local);
+    if (!m_names.IsName(m_scratchName.data(), m_scratchName.size(), true))
+        Fail("Invalid local name: not a name that XML text allows.");
+    return CXmlTreeBuilder::Intern(*m_document, m_scratchName);
 }
 
 CFastInfosetReader::QName CFastInfosetReader::ElementName(unsigned char octet) {
@@ -543,6 +559,8 @@ void CFastInfosetReader::AppendChunkText(const std::string& chunk) {
 // True when a 0xFF after the attributes ended the element as well.
 bool CFastInfosetReader::StartElement(unsigned char octet) {
     const bool hasAttributes = (octet & 0x40) != 0;
+    m_elementAttributes.clear();
+    m_declarationValues.clear();
     if ((octet & 0x3C) == 0x38) {
         unsigned char next;
         while (((next = Byte()) & 0xFC) == 0xCC) {
@@ -550,6 +568,15 @@ bool CFastInfosetReader::StartElement(unsigned char octet) {
             std::string uri;
             if (next & 0x02) prefix = IdentifyingString(Table::Prefix);
             if (next & 0x01) uri = IdentifyingString(Table::Namespace);
+            if (m_colonsInNames) {
+                // Text read without namespace processing has these as attributes.
+                static const std::string xmlns = "xmlns";
+                const QName attribute{PlainName(prefix.empty() ? nullptr : &xmlns, prefix.empty() ? xmlns : prefix),
+                                      CXmlTreeBuilder::Intern(*m_document, std::string_view())};
+                m_elementAttributes.push_back(attribute);
+                m_declarationValues.push_back(std::move(uri));
+                continue;
+            }
             CheckNamespaceName(uri);
             CXmlDocumentLoading::DeclareNamespace(*m_document, std::move(prefix), std::move(uri));
         }
@@ -560,8 +587,13 @@ bool CFastInfosetReader::StartElement(unsigned char octet) {
                                           : CXmlTreeBuilder::CreateChild(m_open.back().element);
     CXmlTreeBuilder::SetName(element, name.localName, name.namespaceURI);
     m_open.push_back({element, m_text.size()});
-    if (!hasAttributes) return false;
-    m_elementAttributes.clear();
+    for (std::size_t i = 0; i < m_declarationValues.size(); ++i)
+        CXmlTreeBuilder::AddAttribute(element, m_elementAttributes[i].localName, std::move(m_declarationValues[i]),
+                                      m_elementAttributes[i].namespaceURI);
+    if (!hasAttributes) {
+        CheckAttributeNames();
+        return false;
+    }
     for (;;) {
         const unsigned char next = Byte();
         if (next == 0xF0 || next == 0xFF) {

@@ -75,6 +75,8 @@ private:
     QName AttributeName(unsigned char octet);
     QName LiteralName(unsigned char octet, std::vector<QName>& table);
     void CheckNamespaceName(const std::string& uri) const;
+    // "prefix:local" (or local alone) interned, for names read without namespaces.
+    const std::string* PlainName(const std::string* prefix, const std::string& local);
 
     void OptionalComponents();
     void InitialVocabulary();
@@ -116,6 +118,10 @@ private:
     CExpatNameCheck m_names;  // literal local names must be names in XML text too
     bool m_colonsInNames = false;
     std::vector<QName> m_elementAttributes;  // the open start tag's, for the duplicate check
+    // Without namespace processing: the values of the declarations that become
+    // the start tag's first attributes (their names lead m_elementAttributes).
+    std::vector<std::string> m_declarationValues;
+    std::string m_scratchName;
 };
 
 }  // namespace QmXmlLib10

@@ -39,8 +39,8 @@ void Load(CXmlDocument& doc, Octets octets) {
     doc.LoadXmlStream(octets.data(), static_cast<std::uint32_t>(octets.size()));
 }
 
-std::string LoadError(Octets octets) {
-    CXmlDocument doc;
+std::string LoadError(Octets octets, const CXmlSerializationContext& context = CXmlSerializationContext()) {
+    CXmlDocument doc(context);
     try {
         Load(doc, std::move(octets));
     } catch (const CQmException& e) {
@@ -331,6 +331,47 @@ TEST(FastInfosetReader, DuplicateAttributesAndDeclarationsAsAttributesAreRefused
     EXPECT_EQ(doc.GetDocumentElement()->GetAttributes()[0]->GetLocalName(), "xmlns");
     Load(doc, declared);
     EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "a");
+}
+
+// Without namespace processing text gives qualified names whole and
+// declarations as attributes; Fast Infoset gives the same tree.
+TEST(FastInfosetReader, WithoutNamespacesNamesAndDeclarationsAreAsInText) {
+    // <p:a xmlns:p="urn:p" xmlns="urn:d" p:b="1"><c/></p:a>
+    const Octets octets =
+        Cat({kHeader, {0x78, 0xCF, 0x00}, Text("p"), {0x04}, Text("urn:p"), {0xCD, 0x04}, Text("urn:d"),
+             {0xF0, 0x3F, 0x81, 0x81, 0x00}, Text("a"), {0x7B, 0x81, 0x81, 0x00}, Text("b"),
+             {0x40, 0x31, 0xF0, 0x3D, 0x82, 0x00}, Text("c"), {0xFF, 0xF0}});
+    CXmlSerializationContext plain;
+    plain.SetSchemaType(SchemaType_NoNamespaces);
+    CXmlDocument fromBinary(plain), fromText(plain);
+    Load(fromBinary, octets);
+    fromText.LoadXml("<p:a xmlns:p=\"urn:p\" xmlns=\"urn:d\" p:b=\"1\"><c/></p:a>");
+    for (const CXmlDocument* doc : {&fromBinary, &fromText}) {
+        const CXmlElement* root = doc->GetDocumentElement();
+        EXPECT_EQ(root->GetLocalName(), "p:a");
+        EXPECT_EQ(root->GetNamespaceURI(), "");
+        ASSERT_EQ(root->GetAttributes().size(), 3u);
+        EXPECT_EQ(root->GetAttributes()[0]->GetLocalName(), "xmlns:p");
+        EXPECT_EQ(root->GetAttributes()[0]->GetValue(), "urn:p");
+        EXPECT_EQ(root->GetAttributes()[1]->GetLocalName(), "xmlns");
+        EXPECT_EQ(root->GetAttributes()[1]->GetValue(), "urn:d");
+        EXPECT_EQ(root->GetAttributes()[2]->GetLocalName(), "p:b");
+        EXPECT_EQ(root->GetAttributes()[2]->GetNamespaceURI(), "");
+        EXPECT_EQ(root->GetFirstElement()->GetLocalName(), "c");
+        EXPECT_EQ(root->GetFirstElement()->GetNamespaceURI(), "");
+    }
+    // With namespaces the same octets give the names their namespaces.
+    CXmlDocument spaced;
+    Load(spaced, octets);
+    EXPECT_EQ(spaced.GetDocumentElement()->GetLocalName(), "a");
+    EXPECT_EQ(spaced.GetDocumentElement()->GetNamespaceURI(), "urn:p");
+    EXPECT_EQ(spaced.GetDocumentElement()->GetAttributes().size(), 1u);
+    EXPECT_EQ(spaced.GetDocumentElement()->GetFirstElement()->GetNamespaceURI(), "urn:d");
+
+    // A declaration and an attribute of the same name are one attribute twice.
+    const Octets twice = Cat({kHeader, {0x78, 0xCD, 0x04}, Text("urn:d"), {0xF0, 0x7C, 0x00}, Text("a"),
+                              {0x78, 0x04}, Text("xmlns"), {0x40, 0x31, 0xFF, 0xF0}});
+    EXPECT_EQ(LoadError(twice, plain), "Failed to parse FastInfoset. Duplicate attribute [xmlns].");
 }
 
 TEST(FastInfosetReader, RestrictedAlphabetsDecode) {
