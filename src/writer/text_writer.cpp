@@ -141,23 +141,20 @@ void CXmlTextWriter::WriteNamespaceDeclaration(const std::string& prefix, const 
     Write(" xmlns:", 7);
     Write(prefix);
     Write("=\"", 2);
-    WriteNamespaceName(uri);
+    WriteNamespaceName(uri.c_str());
     m_buffer.Append('"');
 }
 
-void CXmlTextWriter::WriteNamespaceName(std::string_view uri) {
+void CXmlTextWriter::WriteNamespaceName(const char* uri) {
     // A namespace name must read back exactly, or the names in it change:
     // unlike in attribute values, tabs and carriage returns are written as
     // references (as such, a reader would turn them into a space or drop them).
-    std::string piece;
-    for (std::size_t start = 0;;) {
-        const std::size_t stop = uri.find_first_of("\t\r", start);
-        piece.assign(uri.substr(start, stop == std::string_view::npos ? std::string_view::npos : stop - start));
+    for (const char* stop; (stop = std::strpbrk(uri, "\t\r")) != nullptr; uri = stop + 1) {
+        const std::string piece(uri, stop);
         WriteEscaped(piece.c_str(), true);
-        if (stop == std::string_view::npos) return;
-        Write(uri[stop] == '\t' ? "&#x9;" : "&#xD;", 5);
-        start = stop + 1;
+        Write(*stop == '\t' ? "&#x9;" : "&#xD;", 5);
     }
+    WriteEscaped(uri, true);
 }
 
 CXmlWriter::CXmlWriterContext& CXmlTextWriter::RequireContext() const {
@@ -221,7 +218,7 @@ void CXmlTextWriter::StartElement(const char* localName, const char* namespaceUR
         // falling into that namespace itself, so it is left out then.
         if (context.m_inDefaultNamespace) {
             Write(" xmlns=\"", 8);
-            WriteNamespaceName(GetDefaultNamespace());
+            WriteNamespaceName(GetDefaultNamespace().c_str());
             m_buffer.Append('"');
             m_startTagDefault = &GetDefaultNamespace();
         }

@@ -81,7 +81,7 @@ private:
     void WriteTextValue(const char* value);
     void WriteNamespaceDeclaration(const std::string& prefix, const std::string& uri);
     // Escaped as an attribute value, with tabs and carriage returns as references.
-    void WriteNamespaceName(std::string_view uri);
+    void WriteNamespaceName(const char* uri);
     // Closes the current element's start tag, if open: ">" and, when asChild and
     // formatted, a line end; asChild also counts a child.
     void CloseStartTag(bool asChild);
