@@ -16,16 +16,19 @@
 // difference is a bug.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "binding_classes.h"
+#include "fuzz_support.h"
 #include "orders.h"
 
 using namespace QmXmlLib10;
+
+using fuzz::AsText;
+using fuzz::Fail;
 
 namespace {
 
@@ -53,18 +56,6 @@ const std::vector<Factory>& Classes() {
     return classes;
 }
 
-[[noreturn]] void Fail(const char* what, const std::string& detail) {
-    // Whole, as the detail may hold zero bytes.
-    std::fprintf(stderr, "%s\n", what);
-    std::fwrite(detail.data(), 1, detail.size(), stderr);
-    std::fputc('\n', stderr);
-    std::abort();
-}
-
-std::string AsText(const CBinaryData& data) {
-    return data.GetLength() == 0 ? std::string()
-                                 : std::string(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
-}
 
 // What fn returns; a CQmException from it is a bug.
 template <class Fn>

@@ -8,22 +8,24 @@
 // leak or a difference is a bug.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "dom/expat_reader.h"
+#include "fuzz_support.h"
 #include "qmxml/collections/element.h"
 #include "qmxml/core/enums.h"
-#include "qmxml/types/binary_data.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
 #include "qmxml/dom/xml_document.h"
 #include "qmxml/dom/xml_element.h"
 
 using namespace QmXmlLib10;
+
+using fuzz::AsText;
+using fuzz::Fail;
 
 namespace {
 
@@ -57,18 +59,6 @@ bool SameTree(const CXmlElement* a, const CXmlElement* b) {
     return true;
 }
 
-std::string AsText(const CBinaryData& data) {
-    return data.GetLength() == 0 ? std::string()
-                                 : std::string(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
-}
-
-[[noreturn]] void Fail(const char* what, const std::string& detail) {
-    // Whole, as the detail may hold zero bytes.
-    std::fprintf(stderr, "%s\n", what);
-    std::fwrite(detail.data(), 1, detail.size(), stderr);
-    std::fputc('\n', stderr);
-    std::abort();
-}
 
 // Reads text into a wildcard element and writes it again; failing to read
 // what the writer wrote is a bug.
