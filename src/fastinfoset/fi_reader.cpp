@@ -560,40 +560,14 @@ void CFastInfosetReader::AppendChunkText(const std::string& chunk) {
 bool CFastInfosetReader::StartElement(unsigned char octet) {
     const bool hasAttributes = (octet & 0x40) != 0;
     m_elementAttributes.clear();
-    m_declarationValues.clear();
-    if ((octet & 0x3C) == 0x38) {
-        unsigned char next;
-        while (((next = Byte()) & 0xFC) == 0xCC) {
-            std::string prefix;
-            std::string uri;
-            if (next & 0x02) prefix = IdentifyingString(Table::Prefix);
-            if (next & 0x01) uri = IdentifyingString(Table::Namespace);
-            if (m_colonsInNames) {
-                // Text read without namespace processing has these as attributes.
-                static const std::string xmlns = "xmlns";
-                const QName attribute{PlainName(prefix.empty() ? nullptr : &xmlns, prefix.empty() ? xmlns : prefix),
-                                      CXmlTreeBuilder::Intern(*m_document, std::string_view())};
-                m_elementAttributes.push_back(attribute);
-                m_declarationValues.push_back(std::move(uri));
-                continue;
-            }
-            CheckNamespaceName(uri);
-            CXmlDocumentLoading::DeclareNamespace(*m_document, std::move(prefix), std::move(uri));
-        }
-        octet = Byte();
-    }
+    if ((octet & 0x3C) == 0x38) octet = NamespaceDeclarations();
     const QName name = ElementName(octet);
     CXmlElement* element = m_open.empty() ? CXmlTreeBuilder::CreateDocumentElement(*m_document)
                                           : CXmlTreeBuilder::CreateChild(m_open.back().element);
     CXmlTreeBuilder::SetName(element, name.localName, name.namespaceURI);
     m_open.push_back({element, m_text.size()});
-    for (std::size_t i = 0; i < m_declarationValues.size(); ++i)
-        CXmlTreeBuilder::AddAttribute(element, m_elementAttributes[i].localName, std::move(m_declarationValues[i]),
-                                      m_elementAttributes[i].namespaceURI);
-    if (!hasAttributes) {
-        CheckAttributeNames();
-        return false;
-    }
+    if (!m_elementAttributes.empty()) DeclarationAttributes(element);
+    if (!hasAttributes) return false;
     for (;;) {
         const unsigned char next = Byte();
         if (next == 0xF0 || next == 0xFF) {
@@ -610,6 +584,39 @@ bool CFastInfosetReader::StartElement(unsigned char octet) {
         NonIdentifyingStringBit1(&m_attributeValues, nullptr, m_value);
         CXmlTreeBuilder::AddAttribute(element, attribute.localName, m_value, attribute.namespaceURI);
     }
+}
+
+// Reads an element's namespace declarations; returns the octet that starts its name.
+unsigned char CFastInfosetReader::NamespaceDeclarations() {
+    m_declarationValues.clear();
+    unsigned char next;
+    while (((next = Byte()) & 0xFC) == 0xCC) {
+        std::string prefix;
+        std::string uri;
+        if (next & 0x02) prefix = IdentifyingString(Table::Prefix);
+        if (next & 0x01) uri = IdentifyingString(Table::Namespace);
+        if (m_colonsInNames) {
+            // Text read without namespace processing has these as attributes.
+            static const std::string xmlns = "xmlns";
+            const QName attribute{PlainName(prefix.empty() ? nullptr : &xmlns, prefix.empty() ? xmlns : prefix),
+                                  CXmlTreeBuilder::Intern(*m_document, std::string_view())};
+            m_elementAttributes.push_back(attribute);
+            m_declarationValues.push_back(std::move(uri));
+            continue;
+        }
+        CheckNamespaceName(uri);
+        CXmlDocumentLoading::DeclareNamespace(*m_document, std::move(prefix), std::move(uri));
+    }
+    return Byte();
+}
+
+// Adds the declarations read as attributes (without namespace processing) to
+// the element they came with.
+void CFastInfosetReader::DeclarationAttributes(CXmlElement* element) {
+    for (std::size_t i = 0; i < m_declarationValues.size(); ++i)
+        CXmlTreeBuilder::AddAttribute(element, m_elementAttributes[i].localName, std::move(m_declarationValues[i]),
+                                      m_elementAttributes[i].namespaceURI);
+    CheckAttributeNames();
 }
 
 void CFastInfosetReader::CheckAttributeNames() {

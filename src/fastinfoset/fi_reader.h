@@ -77,6 +77,8 @@ private:
     void CheckNamespaceName(const std::string& uri) const;
     // "prefix:local" (or local alone) interned, for names read without namespaces.
     const std::string* PlainName(const std::string* prefix, const std::string& local);
+    unsigned char NamespaceDeclarations();
+    void DeclarationAttributes(CXmlElement* element);
 
     void OptionalComponents();
     void InitialVocabulary();
