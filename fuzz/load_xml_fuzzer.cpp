@@ -59,7 +59,6 @@ bool SameTree(const CXmlElement* a, const CXmlElement* b) {
     return true;
 }
 
-
 // Reads text into a wildcard element and writes it again; failing to read
 // what the writer wrote is a bug.
 std::string ReadAndWrite(const std::string& text, const CXmlSerializationContext& context) {
@@ -98,7 +97,8 @@ void WriteAndReadBack(const CXmlDocument& doc, const CXmlSerializationContext& c
     if (written.find('\t') == std::string::npos)
         Fail("the text changed on the second round", written + "\n---\n" + rewritten);
     const std::string third = ReadAndWrite(rewritten, back);
-    if (third != rewritten) Fail("the text changed on the third round", written + "\n---\n" + rewritten + "\n---\n" + third);
+    if (third != rewritten)
+        Fail("the text changed on the third round", written + "\n---\n" + rewritten + "\n---\n" + third);
 }
 
 }  // namespace
