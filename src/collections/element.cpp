@@ -171,18 +171,7 @@ void CElement::WriteTo(CXmlWriter* writer) const {
 void CElement::ToXml_Int(CXmlWriter* writer, bool isRoot, const char*, const CXmlSerializationContext& ctx,
                          bool) const {
     if (!isRoot) return WriteTo(writer);
-    for (const std::string& instruction : ctx.GetProcessingInstructions()) writer->WriteRawLine(instruction.c_str());
-    const CNamespaceAliasMap& aliases = ctx.GetNamespaceAliases();
-    for (int i = 0, n = aliases.GetNamespaceCount(); i < n; ++i) {
-        const std::string uri = aliases.GetNamespaceAt(i);
-        writer->AddNamespaceAlias(aliases.GetAliasFromNamespace(uri).c_str(), uri.c_str());
-    }
-    const std::string& defaultNamespace = GetContextDefaultNamespace(ctx);
-    if (!defaultNamespace.empty()) {
-        writer->SetDefaultNamespace(defaultNamespace.c_str());
-    } else if (!m_namespaceURI.empty() && !aliases.DoesNamespaceExist(m_namespaceURI)) {
-        writer->SetDefaultNamespace(m_namespaceURI.c_str());
-    }
+    WriteRootPrologue(writer, ctx, m_namespaceURI);
     StartTag(writer);
     if (const CSmartPtr<CAttributeCol> extra = ctx.GetAdditionalRootAttributes()) {
         CXmlObjectBase::AttributesToXml_Int(extra, writer, ctx);

@@ -15,6 +15,7 @@
 #include "qmxml/metadata/element_info.h"
 #include "qmxml/metadata/parent_element_info.h"
 #include "qmxml/writer/xml_writer.h"
+#include "metadata/nil_attribute.h"
 #include "metadata/value_text.h"
 
 namespace QmXmlLib10 {
@@ -43,14 +44,6 @@ private:
     std::unique_ptr<char[]> m_heap;
     char* m_flags;
 };
-
-// The value of the element's xsi:nil attribute, or null when it has none.
-const std::string* FindNilAttribute(const CXmlElement* element) {
-    for (const CXmlAttribute* a : element->GetAttributes()) {
-        if (a->IsNilAttribute()) return &a->GetValue();
-    }
-    return nullptr;
-}
 
 int CountInfos(CElementInfo** infos) {
     int n = 0;
@@ -148,23 +141,6 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* 
     WriteObject(writer, isRoot, elementName, ctx, asChoiceMember, nullptr);
 }
 
-void CXmlGeneratedClass::WriteRootPrologue(CXmlWriter* writer, const CXmlSerializationContext& ctx) const {
-    for (const std::string& instruction : ctx.GetProcessingInstructions()) writer->WriteRawLine(instruction.c_str());
-    const CNamespaceAliasMap& aliases = ctx.GetNamespaceAliases();
-    for (int i = 0, n = aliases.GetNamespaceCount(); i < n; ++i) {
-        const std::string& uri = aliases.GetNamespaceAt(i);
-        writer->AddNamespaceAlias(aliases.GetAliasFromNamespace(uri).c_str(), uri.c_str());
-    }
-    const std::string& defaultNamespace = GetContextDefaultNamespace(ctx);
-    const std::string& ownNamespace = GetClassInfo()->GetElementNamespace();
-    if (!defaultNamespace.empty()) {
-        writer->SetDefaultNamespace(defaultNamespace.c_str());
-    } else if (!ownNamespace.empty() && !aliases.DoesNamespaceExist(ownNamespace)) {
-        // A fresh object writes <Root xmlns="urn:..."> rather than an invented prefix.
-        writer->SetDefaultNamespace(ownNamespace.c_str());
-    }
-}
-
 void CXmlGeneratedClass::WriteObject(CXmlWriter* writer, bool isRoot, const char* elementName,
                                      const CXmlSerializationContext& ctx, bool asChoiceMember,
                                      const char* xsiType) const {
@@ -174,7 +150,7 @@ void CXmlGeneratedClass::WriteObject(CXmlWriter* writer, bool isRoot, const char
         const CParentElementInfo* info = GetClassInfo();
         const bool ownElement = info->GetElementType() == XmlElementType_Element;
         if (ownElement) {
-            if (isRoot) WriteRootPrologue(writer, ctx);
+            if (isRoot) WriteRootPrologue(writer, ctx, info->GetElementNamespace());
             writer->StartElement(name, info->GetElementNamespace().c_str());
             if (isRoot) {
                 if (const CSmartPtr<CAttributeCol> extra = ctx.GetAdditionalRootAttributes()) {
@@ -280,14 +256,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
     try {
         const bool inlinedMembers = ownElement && HasInlinedMembers();
         if (ownElement) {
-            if (const std::string* nil = FindNilAttribute(parent)) {
-                if (*nil == "true") {
-                    m_nil = true;
-                } else if (*nil != "false") {
-                    throw CQmValidationException(
-                        FormatString("Unexpected Value [%s] for 'nil' Attribute found.", nil->c_str()));
-                }
-            }
+            m_nil = QmXmlLib10Data::detail::IsNilElement(parent);
             ProcessAttributesFromXml(ctx, parent, isRoot, inlinedMembers ? &deferred : nullptr);
         }
         if (m_nil) {

@@ -2,11 +2,13 @@
 
 #include <cstring>
 
+#include "core/namespace_list.h"
 #include "core/same_bytes.h"
 #include "qmxml/collections/xml_collection.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
 #include "qmxml/dom/xml_element.h"
+#include "qmxml/writer/xml_writer.h"
 
 namespace QmXmlLib10 {
 
@@ -64,24 +66,19 @@ bool CXmlObjectBase::DoesElementNameMatch(const CXmlSerializationContext& ctx, c
 }
 
 bool CXmlObjectBase::IsNamespaceValid(const char* ns, const char* restriction, const char* targetNamespace) const {
-    const std::string value = ns ? ns : "";
-    const std::string target = targetNamespace ? targetNamespace : "";
-    const char* p = restriction ? restriction : "";
-    while (*p) {
-        const char* end = std::strchr(p, ' ');
-        const size_t len = end ? static_cast<size_t>(end - p) : std::strlen(p);
-        const std::string token(p, len);
-        p += len;
-        if (*p == ' ') ++p;
-        if (token.empty()) continue;  // double spaces give empty tokens: skip them
-        if (token == "##any") return true;
-        if (token == "##other") {
+    const std::string_view value = ns ? ns : "";
+    const std::string_view target = targetNamespace ? targetNamespace : "";
+    std::string_view rest = restriction ? restriction : "";
+    std::string_view entry;
+    while (detail::NextNamespaceEntry(rest, entry)) {
+        if (entry == "##any") return true;
+        if (entry == "##other") {
             if (value != target) return true;
-        } else if (token == "##local") {
+        } else if (entry == "##local") {
             if (value.empty()) return true;
-        } else if (token == "##targetNamespace") {
+        } else if (entry == "##targetNamespace") {
             if (value == target) return true;
-        } else if (token == value) {
+        } else if (entry == value) {
             return true;
         }
     }
@@ -139,6 +136,23 @@ void CXmlObjectBase::FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlC
 
 const std::string& CXmlObjectBase::GetContextDefaultNamespace(const CXmlSerializationContext& ctx) {
     return ctx.GetDefaultNamespaceURI();
+}
+
+void CXmlObjectBase::WriteRootPrologue(CXmlWriter* writer, const CXmlSerializationContext& ctx,
+                                       const std::string& rootNamespace) {
+    for (const std::string& instruction : ctx.GetProcessingInstructions()) writer->WriteRawLine(instruction.c_str());
+    const CNamespaceAliasMap& aliases = ctx.GetNamespaceAliases();
+    for (int i = 0, n = aliases.GetNamespaceCount(); i < n; ++i) {
+        const std::string& uri = aliases.GetNamespaceAt(i);
+        writer->AddNamespaceAlias(aliases.GetAliasFromNamespace(uri).c_str(), uri.c_str());
+    }
+    const std::string& defaultNamespace = GetContextDefaultNamespace(ctx);
+    if (!defaultNamespace.empty()) {
+        writer->SetDefaultNamespace(defaultNamespace.c_str());
+    } else if (!rootNamespace.empty() && !aliases.DoesNamespaceExist(rootNamespace)) {
+        // A fresh object writes <Root xmlns="urn:..."> rather than an invented prefix.
+        writer->SetDefaultNamespace(rootNamespace.c_str());
+    }
 }
 
 void CXmlObjectBase::SetElementName(const char* name) {

@@ -1,11 +1,13 @@
 #include "qmxml/metadata/element_info.h"
 
+#include "core/namespace_list.h"
 #include "core/same_bytes.h"
 #include "qmxml/collections/xml_collection.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/dom/xml_element.h"
 #include "qmxml/metadata/parent_element_info.h"
 #include "qmxml/writer/xml_writer.h"
+#include "nil_attribute.h"
 #include "value_text.h"
 #include "variant_objects.h"
 
@@ -83,7 +85,9 @@ void CElementInfo::ThrowNotNillable() const {
         FormatString("Invalid use of 'nil' attibute in non-nillable element [%s]", m_elementName.c_str()));
 }
 
-bool CElementInfo::IsNilElement(const CXmlElement* element) {
+namespace detail {
+
+bool IsNilElement(const CXmlElement* element) {
     for (const CXmlAttribute* a : element->GetAttributes()) {
         if (!a->IsNilAttribute()) continue;
         if (a->GetValue() == "true") return true;
@@ -93,6 +97,10 @@ bool CElementInfo::IsNilElement(const CXmlElement* element) {
     }
     return false;
 }
+
+}  // namespace detail
+
+bool CElementInfo::IsNilElement(const CXmlElement* element) { return detail::IsNilElement(element); }
 
 bool CElementInfo::ElementToXmlPrim(const CXmlSerializationContext&, const CXmlGeneratedClass* obj,
                                     CXmlWriter* writer, ItemType type, const std::string& format,
@@ -136,9 +144,15 @@ bool CElementInfo::ElementToXmlCls(const CXmlSerializationContext& ctx, const CX
     ReadProperty(obj, value);
     const CSmartPtr<CXmlObjectBase> member = detail::ObjectOf(value);
     if (!member) return false;
+    WriteClassMember(ctx, member, writer, asChoiceMember, substitutable, classDiffers);
+    return true;
+}
+
+void CElementInfo::WriteClassMember(const CXmlSerializationContext& ctx, const CXmlObjectBase* member,
+                                    CXmlWriter* writer, bool asChoiceMember, bool substitutable,
+                                    bool classDiffers) const {
     CXmlObjectAccess::WriteMember(member, writer, m_elementName.c_str(), ctx, asChoiceMember, substitutable,
                                   classDiffers);
-    return true;
 }
 
 bool CElementInfo::ElementToXmlCol(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj,
@@ -166,24 +180,20 @@ CXmlElement* CElementInfo::FromXml_Int(CXmlObjectBase* object, CXmlElement* pare
 
 std::string CElementInfo::GetAnyDefaultNamespace(const char* restriction, const char* ns,
                                                  const char* targetNamespace) {
-    const std::string rule = restriction ? restriction : "";
+    const std::string_view rule = restriction ? restriction : "";
     const std::string space = ns ? ns : "";
     if (rule == "##any") return space;
     if (rule == "##other") return space.empty() ? "DefaultNamespace" : "";
     if (rule == "##local") return "";
     if (rule == "##targetNamespace") return targetNamespace ? targetNamespace : space;
-    const size_t blank = rule.find(' ');
-    if (blank != std::string::npos) {
-        // Empty tokens from double spaces are skipped, as in the wildcard test.
-        const size_t start = rule.find_first_not_of(' ');
-        const size_t end = rule.find(' ', start);
-        const std::string first = rule.substr(start, end == std::string::npos ? std::string::npos : end - start);
-        if (rule.size() > 2 && first.compare(0, 2, "##") == 0) {
-            return GetAnyDefaultNamespace(first.c_str(), ns, targetNamespace);
-        }
-        return first;
-    }
-    return rule;
+    if (rule.find(' ') == std::string_view::npos) return std::string(rule);
+    // A list: its first entry decides (a list of blanks alone names no namespace).
+    std::string_view rest = rule;
+    std::string_view first;
+    if (!QmXmlLib10::detail::NextNamespaceEntry(rest, first)) return "";
+    const std::string entry(first);
+    if (first.compare(0, 2, "##") == 0) return GetAnyDefaultNamespace(entry.c_str(), ns, targetNamespace);
+    return entry;
 }
 
 // ---------------------------------------------------------------- groups

@@ -50,6 +50,26 @@ bool ClaimsElement(const CXmlObjectBase* member, const CXmlSerializationContext&
 
 }  // namespace
 
+namespace detail {
+
+CFactoryPrototype::~CFactoryPrototype() {
+    if (CXmlObjectBase* object = m_object.load(std::memory_order_acquire)) object->Release();
+}
+
+const CXmlObjectBase* CFactoryPrototype::Get(ClassFactory factory, int classIndex, const char* elementName) const {
+    if (CXmlObjectBase* object = m_object.load(std::memory_order_acquire)) return object;
+    if (factory == nullptr) return nullptr;
+    CSmartPtr<CXmlObjectBase> made = factory(classIndex, elementName);
+    if (!made) return nullptr;
+    CXmlObjectBase* expected = nullptr;
+    made->AddRef();  // the reference the prototype keeps
+    if (m_object.compare_exchange_strong(expected, made.Get(), std::memory_order_acq_rel)) return made.Get();
+    made->Release();  // another thread was first: use its object
+    return expected;
+}
+
+}  // namespace detail
+
 template <class Parse>
 bool CElementInfo::ReadSimpleElement(const CXmlSerializationContext& ctx, CXmlGeneratedClass* obj,
                                      CXmlElement** current, bool mandatorySequence, bool nillable,
@@ -155,15 +175,19 @@ CSmartPtr<CXmlObjectBase> CElementInfoCls<Group, Mandatory>::CreateObject() cons
 }
 
 template <class Group, bool Mandatory>
+const CXmlObjectBase* CElementInfoCls<Group, Mandatory>::Prototype() const {
+    return m_prototype.Get(m_factory, m_classIndex, this->GetElementName().c_str());
+}
+
+template <class Group, bool Mandatory>
 bool CElementInfoCls<Group, Mandatory>::DiffersFromDeclaredClass(const CXmlSerializationContext& ctx,
                                                                  const CXmlObjectBase* member) const {
     // Only worth a look when an xsi:type could be written at all.
+    if (!ctx.GetWriteTypeAttribute()) return false;
+    const CXmlObjectBase* declared = Prototype();
+    if (declared == nullptr || typeid(*declared) == typeid(*member)) return false;
     const auto* generated = dynamic_cast<const CXmlGeneratedClass*>(member);
-    if (!generated || !ctx.GetWriteTypeAttribute() || generated->GetTypeName().empty() || !m_factory) return false;
-    const CSmartPtr<CXmlObjectBase> declared = m_factory(m_classIndex, this->GetElementName().c_str());
-    if (!declared) return false;
-    const CXmlObjectBase& declaredObject = *declared;
-    return typeid(declaredObject) != typeid(*member);
+    return generated && !generated->GetTypeName().empty();
 }
 
 template <class Group, bool Mandatory>
@@ -172,8 +196,8 @@ bool CElementInfoCls<Group, Mandatory>::ElementToXml(const CXmlSerializationCont
     const CSmartPtr<CXmlObjectBase> member = ReadObject(obj, this->GetPropertyIndex());
     if (!member) return false;
     const bool inlined = m_elementType != XmlElementType_Element;
-    return this->ElementToXmlCls(ctx, obj, writer, inlined && !Mandatory, false,
-                                 DiffersFromDeclaredClass(ctx, member));
+    this->WriteClassMember(ctx, member, writer, inlined && !Mandatory, false, DiffersFromDeclaredClass(ctx, member));
+    return true;
 }
 
 template <class Group, bool Mandatory>
@@ -208,9 +232,9 @@ bool CElementInfoCls<Group, Mandatory>::IsMemberElement(const CXmlSerializationC
                                                         const CXmlElement* element) const {
     if (element == nullptr) return false;
     if (m_elementType == XmlElementType_Element) return this->IsThisElement(ctx, element);
-    CSmartPtr<CXmlObjectBase> member = ReadObject(obj, this->GetPropertyIndex());
-    if (!member && m_factory) member = m_factory(m_classIndex, this->GetElementName().c_str());
-    return member && ClaimsElement(member, ctx, element);
+    // An absent member answers as a fresh object of its class would.
+    const CSmartPtr<CXmlObjectBase> member = ReadObject(obj, this->GetPropertyIndex());
+    return ClaimsElement(member ? member.Get() : Prototype(), ctx, element);
 }
 
 template <class Group, bool Mandatory>
@@ -227,8 +251,11 @@ bool CElementInfoCls<Group, Mandatory>::ElementFromXml(const CXmlSerializationCo
             if (!member) member = CreateObject();
         } else {
             if (*current == nullptr) return false;
+            // Ask the class before making an object that may not be needed.
+            const CXmlObjectBase* probe = Prototype();
+            if (probe == nullptr) CreateObject();  // throws: the factory makes nothing
+            if (!ClaimsElement(probe, ctx, *current)) return false;
             member = CreateObject();
-            if (!ClaimsElement(member, ctx, *current)) return false;
         }
     } else {
         if (!this->FindElement(ctx, current, Mandatory && detail::IsSequence<Group>)) return false;

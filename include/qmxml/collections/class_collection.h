@@ -2,6 +2,7 @@
 // (CElementInfo...ClsCol and ...AbsClsCol).
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <typeinfo>
 
@@ -89,9 +90,11 @@ public:
 
     bool IsItemElement(const CXmlSerializationContext& ctx, const CXmlElement* element) const override {
         if (element == nullptr) return false;
+        if (!HasInlinedItems()) {
+            return this->DoesElementNameMatch(ctx, element, this->GetElementName(), this->GetNamespace());
+        }
         CSmartPtr<T> probe = CreateItem();
-        if (IsInlined(*probe)) return probe->IsElementInList(ctx, const_cast<CXmlElement*>(element));
-        return this->DoesElementNameMatch(ctx, element, this->GetElementName(), this->GetNamespace());
+        return probe->IsElementInList(ctx, const_cast<CXmlElement*>(element));
     }
 
 protected:
@@ -99,13 +102,14 @@ protected:
 
     CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
                              bool) override {
+        const bool inlined = HasInlinedItems();
         const std::string name = this->GetElementName();
         while (current) {
+            // Items with an element of their own are told by its name, before
+            // an object is made: an element that ends the collection costs none.
+            if (!inlined && !this->DoesElementNameMatch(ctx, current, name, this->GetNamespace())) break;
             CSmartPtr<T> item = CreateItem();
-            const bool inlined = IsInlined(*item);
-            const bool matches = inlined ? item->IsElementInList(ctx, current)
-                                         : this->DoesElementNameMatch(ctx, current, name, this->GetNamespace());
-            if (!matches) break;
+            if (inlined && !item->IsElementInList(ctx, current)) break;
             CXmlElement* next = Base::ReadItem(item, parent, current, ctx, inlined);
             this->AppendItem(item);
             if (next == current) break;  // an inlined item that took nothing
@@ -115,9 +119,20 @@ protected:
     }
 
 private:
-    static bool IsInlined(const T& item) {
-        return item.GetClassInfo()->GetElementType() != XmlElementType_Element;
+    // Whether the items are inlined content is a fact of the item class, so it
+    // is learnt from one item and kept. Atomic: the collection of an object
+    // that only answers questions may be asked from several threads at once.
+    bool HasInlinedItems() const {
+        signed char known = m_inlinedItems.load(std::memory_order_relaxed);
+        if (known < 0) {
+            const CSmartPtr<T> item = CreateItem();
+            known = item->GetClassInfo()->GetElementType() != XmlElementType_Element ? 1 : 0;
+            m_inlinedItems.store(known, std::memory_order_relaxed);
+        }
+        return known == 1;
     }
+
+    mutable std::atomic<signed char> m_inlinedItems{-1};
 };
 
 // Items of an abstract class or substitution group T: the factory picks the

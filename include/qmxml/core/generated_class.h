@@ -160,7 +160,6 @@ protected:
 private:
     void WriteObject(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
                      bool asChoiceMember, const char* xsiType) const;
-    void WriteRootPrologue(CXmlWriter* writer, const CXmlSerializationContext& ctx) const;
     void ReadSimpleContent(const CXmlElement* element);
     void WriteSimpleContent(CXmlWriter* writer) const;
 

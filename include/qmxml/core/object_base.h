@@ -152,6 +152,12 @@ protected:
 
     // The namespace the context asks the root element to be written in.
     static const std::string& GetContextDefaultNamespace(const CXmlSerializationContext& ctx);
+    // What every root element is preceded by, whatever kind of object it is:
+    // the context's processing instructions, its namespace aliases, and the
+    // default namespace (the context's, else the root's own namespace unless
+    // an alias names it).
+    static void WriteRootPrologue(CXmlWriter* writer, const CXmlSerializationContext& ctx,
+                                  const std::string& rootNamespace);
 
     // Records the element name a substituted or differently named member is
     // written under; empty until set.

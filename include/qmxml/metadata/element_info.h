@@ -97,6 +97,9 @@ protected:
     // class (xsi:type is then written when the context allows it).
     bool ElementToXmlCls(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj, CXmlWriter* writer,
                          bool asChoiceMember, bool substitutable = false, bool classDiffers = false) const;
+    // The same for a member object already read from the property.
+    void WriteClassMember(const CXmlSerializationContext& ctx, const CXmlObjectBase* member, CXmlWriter* writer,
+                          bool asChoiceMember, bool substitutable, bool classDiffers) const;
     // Validates the count (a choice member's only when it has items) and writes
     // the collection; true when it holds items.
     bool ElementToXmlCol(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj, CXmlWriter* writer,

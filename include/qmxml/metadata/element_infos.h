@@ -5,6 +5,7 @@
 // Validate (all groups). Each named class is a thin alias of a kind template.
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <type_traits>
 
@@ -26,6 +27,25 @@ using EnumToString = const char* (*)(int value);
 using EnumFromString = int (*)(const char* text);
 
 namespace detail {
+// The object a class factory makes for one member info, made once on first use
+// and then shared by every thread that reads or writes with the info (the
+// metadata is static). It is only ever asked questions (its class, which
+// elements it would claim), never read into, so sharing it needs no lock.
+// A copy starts empty and makes its own.
+class CFactoryPrototype {
+public:
+    CFactoryPrototype() = default;
+    CFactoryPrototype(const CFactoryPrototype&) noexcept {}
+    CFactoryPrototype& operator=(const CFactoryPrototype&) noexcept { return *this; }
+    ~CFactoryPrototype();
+
+    // Null when the factory made nothing (it is then asked again next time).
+    const CXmlObjectBase* Get(ClassFactory factory, int classIndex, const char* elementName) const;
+
+private:
+    mutable std::atomic<CXmlObjectBase*> m_object{nullptr};
+};
+
 template <class Group>
 constexpr bool IsSequence = std::is_base_of<CElementInfoSeq, Group>::value;
 template <class Group>
@@ -123,12 +143,17 @@ public:
 
 private:
     CSmartPtr<CXmlObjectBase> CreateObject() const;
+    // The declared class's object as the factory makes it: what "the declared
+    // class" is when writing, and what answers "would an absent optional
+    // inlined member claim this element?" without making an object per question.
+    const CXmlObjectBase* Prototype() const;
     bool DiffersFromDeclaredClass(const CXmlSerializationContext& ctx, const CXmlObjectBase* member) const;
 
     XmlElementType m_elementType;
     ClassFactory m_factory;
     int m_classIndex;
     bool m_nillable;
+    detail::CFactoryPrototype m_prototype;
 };
 
 // A member of an abstract class or substitution group: the factory picks the
