@@ -71,11 +71,13 @@ public:
     // a child or text.
     void WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                         ItemType itemType = ItemType_string) override;
-    void WriteTypeAttribute(const char* typeName) override;
-    void WriteNilAttribute() override;
 
     // The writer's vocabulary, as filled so far.
     const CFIVocabulary& GetVocabulary() const { return m_vocabulary; }
+
+protected:
+    // CQmInvalidParamException "Failed to write FastInfoset. A name may not be empty."
+    [[noreturn]] void ThrowEmptyName() const override;
 
 private:
     // An element name's prefix and namespace as indexes into the vocabulary's
@@ -182,6 +184,11 @@ private:
                      unsigned& discriminant, std::uint32_t& tableIndex);
     // The value in restricted alphabet `alphabetIndex` (from 1, in the vocabulary).
     void AppendRestrictedAlphabetString(std::uint32_t alphabetIndex, std::string_view value);
+    // An attribute value or a character chunk: an index when the table has
+    // the value, else the encoded string, added when short enough. Layout
+    // is one of the two placements (fi_writer.cpp).
+    template <class Layout>
+    inline void WriteValue(std::string_view value, ItemType itemType, CFIStringTable& table, std::uint32_t maxAddLength);
     inline void WriteAttributeValue(std::string_view value, ItemType itemType);
     inline void WriteCharacterChunk(std::string_view value, ItemType itemType);
 
