@@ -114,12 +114,6 @@ inline void CFastInfosetWriter::WritePendingTerminator() {
     m_terminatorPending = false;
 }
 
-inline CXmlWriter::CXmlWriterContext& CFastInfosetWriter::RequireContext() const {
-    CXmlWriterContext* context = GetCurrentContext();
-    if (!context) throw CQmException("An Element has not been opened.");
-    return *context;
-}
-
 // --- Elements and attributes ---------------------------------------------------
 
 void CFastInfosetWriter::StartElement(const char* localName, const char* namespaceURI) {
@@ -343,8 +337,7 @@ inline const char* CFastInfosetWriter::WriteAttribute(const PendingAttribute& a,
 
 void CFastInfosetWriter::WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                                         ItemType itemType) {
-    CXmlWriterContext& context = RequireContext();
-    if (!context.m_startTagOpen) throw CQmException("Attributes must be added before elements");
+    CXmlWriterContext& context = RequireStartTag();
     const std::string_view uri = OrEmpty(namespaceURI);
     const std::string_view local = OrEmpty(localName);
     const std::string_view text = OrEmpty(value);
@@ -518,66 +511,57 @@ namespace {
 // the add bit 0x10, the encoded string from the fifth bit (length on the seventh).
 // A restricted alphabet or algorithm index (8 bits, less one) follows the
 // discriminant and is split across the octet boundary.
-struct AttributeValueLayout {
-    static constexpr bool IsCharacterChunk = false;
-    static constexpr unsigned char LiteralHigh = 0x00;
-    static constexpr unsigned char AddBit = 0x40;
-    static constexpr int DiscriminantShift = 4;  // discriminant on bits 3-4, index's top 4 bits after
-    static unsigned char* Index(unsigned char* out, std::uint32_t index) {
-        return fi_layout::IntegerBit2(out, 0x80, index);
-    }
-    static unsigned char* Length(unsigned char* out, unsigned char high, std::uint32_t length) {
-        return fi_layout::LengthBit5(out, high, length);
-    }
-};
-
-struct CharacterChunkLayout {
-    static constexpr bool IsCharacterChunk = true;
-    static constexpr unsigned char LiteralHigh = 0x80;
-    static constexpr unsigned char AddBit = 0x10;
-    static constexpr int DiscriminantShift = 2;  // discriminant on bits 5-6, index's top 2 bits after
-    static unsigned char* Index(unsigned char* out, std::uint32_t index) {
-        return fi_layout::IntegerBit4(out, 0xA0, index);
-    }
-    static unsigned char* Length(unsigned char* out, unsigned char high, std::uint32_t length) {
-        return fi_layout::LengthBit7(out, high, length);
-    }
-};
-
 }  // namespace
 
-template <class Layout>
+struct CFastInfosetWriter::Placement {
+    bool isCharacterChunk;
+    unsigned char literalHigh;
+    unsigned char addBit;
+    unsigned char indexHigh;
+    int discriminantShift;  // of the discriminant; the index's top bits follow it in the octet
+    unsigned char* (*index)(unsigned char* out, unsigned char high, std::uint32_t value);
+    unsigned char* (*length)(unsigned char* out, unsigned char high, std::uint32_t length);
+};
+
+namespace {
+constexpr CFastInfosetWriter::Placement kAttributeValue{false, 0x00, 0x40, 0x80, 4, fi_layout::IntegerBit2,
+                                                        fi_layout::LengthBit5};
+constexpr CFastInfosetWriter::Placement kCharacterChunk{true, 0x80, 0x10, 0xA0, 2, fi_layout::IntegerBit4,
+                                                        fi_layout::LengthBit7};
+}  // namespace
+
+template <const CFastInfosetWriter::Placement& Layout>
 inline void CFastInfosetWriter::WriteValue(std::string_view value, ItemType itemType, CFIStringTable& table,
                                            std::uint32_t maxAddLength) {
     const bool indexable = value.size() < maxAddLength;
     const std::size_t hash = indexable ? CFIStringTable::Hash(value) : 0;
     std::uint32_t index = 0;
     if (indexable && table.Find(value, hash, index)) {
-        m_out.Commit(Layout::Index(m_out.Reserve(MaxIntegerOctets), index));
+        m_out.Commit(Layout.index(m_out.Reserve(MaxIntegerOctets), Layout.indexHigh, index));
         return;
     }
     const bool add = indexable && table.GetCount() < CFIVocabulary::MaxIndex;
-    const unsigned char high = Layout::LiteralHigh | (add ? Layout::AddBit : 0x00);
+    const unsigned char high = Layout.literalHigh | (add ? Layout.addBit : 0x00);
     const EncodedCharacterString encoding = EncodingOf(itemType);
     if (IsVerbatim(encoding)) {
         const std::size_t length = value.size();
         unsigned char* out =
-            Layout::Length(m_out.Reserve(MaxLengthOctets + length), high, static_cast<std::uint32_t>(length));
+            Layout.length(m_out.Reserve(MaxLengthOctets + length), high, static_cast<std::uint32_t>(length));
         std::memcpy(out, value.data(), length);
         m_out.Commit(out + length);
     } else {
         unsigned discriminant = 0;
         std::uint32_t tableIndex = 0;
-        EncodeValue(value, encoding, Layout::IsCharacterChunk, discriminant, tableIndex);
+        EncodeValue(value, encoding, Layout.isCharacterChunk, discriminant, tableIndex);
         const auto length = static_cast<std::uint32_t>(m_octets.size());
         unsigned char* out = m_out.Reserve(1 + MaxLengthOctets + m_octets.size());
         if (discriminant == 0) {
-            out = Layout::Length(out, high, length);
+            out = Layout.length(out, high, length);
         } else {
-            constexpr int lowBits = 8 - Layout::DiscriminantShift;  // of the index, in the next octet
+            constexpr int lowBits = 8 - Layout.discriminantShift;  // of the index, in the next octet
             const std::uint32_t i = tableIndex - 1;
-            *out++ = static_cast<unsigned char>(high | (discriminant << Layout::DiscriminantShift) | (i >> lowBits));
-            out = Layout::Length(out, static_cast<unsigned char>((i << Layout::DiscriminantShift) & 0xFF), length);
+            *out++ = static_cast<unsigned char>(high | (discriminant << Layout.discriminantShift) | (i >> lowBits));
+            out = Layout.length(out, static_cast<unsigned char>((i << Layout.discriminantShift) & 0xFF), length);
         }
         std::memcpy(out, m_octets.data(), m_octets.size());
         m_out.Commit(out + m_octets.size());
@@ -591,11 +575,11 @@ inline void CFastInfosetWriter::WriteAttributeValue(std::string_view value, Item
         Out(0xFF);  // the standard's index zero, on the second bit: the empty string
         return;
     }
-    WriteValue<AttributeValueLayout>(value, itemType, m_vocabulary.m_attributeValues, m_attributeMaxAddLength);
+    WriteValue<kAttributeValue>(value, itemType, m_vocabulary.m_attributeValues, m_attributeMaxAddLength);
 }
 
 inline void CFastInfosetWriter::WriteCharacterChunk(std::string_view value, ItemType itemType) {
-    WriteValue<CharacterChunkLayout>(value, itemType, m_vocabulary.m_characterChunks, m_elementMaxAddLength);
+    WriteValue<kCharacterChunk>(value, itemType, m_vocabulary.m_characterChunks, m_elementMaxAddLength);
 }
 
 }  // namespace QmXmlLib10

@@ -157,12 +157,6 @@ void CXmlTextWriter::WriteNamespaceName(const char* uri) {
     WriteEscaped(uri, true);
 }
 
-CXmlWriter::CXmlWriterContext& CXmlTextWriter::RequireContext() const {
-    CXmlWriterContext* context = GetCurrentContext();
-    if (!context) throw CQmException("An Element has not been opened.");
-    return *context;
-}
-
 void CXmlTextWriter::CloseStartTag(bool asChild) {
     CXmlWriterContext* context = GetCurrentContext();
     if (!context) return;
@@ -221,8 +215,7 @@ void CXmlTextWriter::StartElement(const char* localName, const char* namespaceUR
 
 void CXmlTextWriter::WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                                     ItemType) {
-    CXmlWriterContext& context = RequireContext();
-    if (!context.m_startTagOpen) throw CQmException("Attributes must be added before elements");
+    CXmlWriterContext& context = RequireStartTag();
     const std::string_view uri = OrEmpty(namespaceURI);
     const std::string_view name = OrEmpty(localName);
     const std::string_view text = OrEmpty(value);

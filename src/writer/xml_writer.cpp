@@ -257,8 +257,16 @@ CXmlWriter::ChildName CXmlWriter::ClassifyChildName(std::string_view namespaceUR
     return ChildName::Declaration;
 }
 
+void CXmlWriter::ThrowNotOpened() { throw CQmException("An Element has not been opened."); }
+
+CXmlWriter::CXmlWriterContext& CXmlWriter::RequireStartTag() const {
+    CXmlWriterContext& context = RequireContext();
+    if (!context.m_startTagOpen) throw CQmException("Attributes must be added before elements");
+    return context;
+}
+
 void CXmlWriter::EndElement() {
-    if (!m_current) throw CQmException("An Element has not been opened.");
+    if (!m_current) ThrowNotOpened();
     m_current = m_current->m_parent;
     --m_openCount;
 }

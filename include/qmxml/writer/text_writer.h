@@ -86,7 +86,6 @@ private:
     // Closes the current element's start tag, if open: ">" and, when asChild and
     // formatted, a line end; asChild also counts a child.
     void CloseStartTag(bool asChild);
-    CXmlWriterContext& RequireContext() const;
     // For an attribute in no namespace named xmlns or xmlns:p (a declaration
     // read as data, as without namespace processing): true when the open start
     // tag already makes the same declaration, so that writing it again would

@@ -128,6 +128,14 @@ public:
 
 protected:
     CXmlWriterContext* GetCurrentContext() const { return m_current; }
+    // The open element; throws "An Element has not been opened." when none is.
+    CXmlWriterContext& RequireContext() const {
+        if (!m_current) ThrowNotOpened();
+        return *m_current;
+    }
+    // The element an attribute goes on; throws "Attributes must be added
+    // before elements" once a child or text has closed its start tag.
+    CXmlWriterContext& RequireStartTag() const;
     // The default namespace in scope at the context: the writer's, or empty.
     const std::string& GetDefaultNamespaceInScope(const CXmlWriterContext& context) const;
     // A prefix not in scope at the context: "AA", "AB", ... "ZZ", then "NS0", "NS1", ...
@@ -152,6 +160,7 @@ protected:
     }
     bool IsWritable(const char* text, std::size_t length) const;
     [[noreturn]] static void ThrowInvalidValue(std::string_view name);
+    [[noreturn]] static void ThrowNotOpened();
     // Throws "Invalid name [%s]" unless the name is an XML name; with colons
     // only when `colons`.
     void CheckName(std::string_view name, bool colons) const;
