@@ -114,12 +114,6 @@ inline void CFastInfosetWriter::WritePendingTerminator() {
     m_terminatorPending = false;
 }
 
-inline CXmlWriter::CXmlWriterContext& CFastInfosetWriter::RequireContext() const {
-    CXmlWriterContext* context = GetCurrentContext();
-    if (!context) throw CQmException("An Element has not been opened.");
-    return *context;
-}
-
 // --- Elements and attributes ---------------------------------------------------
 
 void CFastInfosetWriter::StartElement(const char* localName, const char* namespaceURI) {
@@ -128,34 +122,29 @@ void CFastInfosetWriter::StartElement(const char* localName, const char* namespa
     CXmlWriter::StartElement(localName, namespaceURI);
     CXmlWriterContext& context = *GetCurrentContext();
     const CXmlWriterContext* parent = context.m_parent;
-    const std::string& uri = context.m_namespaceURI;
-    m_defaultDeclaration = DefaultDeclaration::None;
     m_attributeCount = 0;
     m_attributeText.Clear();
     // The default namespace may differ from the previous document's.
     if (!parent) m_defaultNamespaceIndex = 0;
-    if (uri.empty()) {
-        // A root in no namespace leaves the default namespace undeclared.
-        if (parent && context.m_inDefaultNamespace) m_defaultDeclaration = DefaultDeclaration::Undeclare;
-        context.m_inDefaultNamespace = false;
-        m_startParts = NameParts{0, 0};
-    } else if (context.m_inDefaultNamespace && uri == GetDefaultNamespace()) {
-        // unprefixed
-        m_startParts = NameParts{0, DefaultNamespaceIndex()};
-    } else if (parent && !parent->m_prefix.empty() && parent->m_namespaceURI == uri) {
-        context.m_prefix = parent->m_prefix;
-        // The parent's start is complete, so its name's parts are known.
-        m_startParts = m_openElements[static_cast<std::size_t>(parent->m_depth)].parts;
-    } else {
-        if (uri == XmlNamespaceURI) {
-            context.m_prefix = "xml";
-        } else if (const std::string* prefix = context.FindPrefix(uri); prefix) {
-            context.m_prefix = *prefix;
-        } else {
-            AllocatePrefix(context, context.m_prefix);
-            context.AddNamespace(uri, context.m_prefix);
-        }
-        m_startParts = NameParts{Unresolved, Unresolved};
+    m_defaultDeclaration = DefaultDeclaration::None;
+    switch (GetElementNaming()) {
+        case ElementNaming::Undeclare:
+            m_defaultDeclaration = DefaultDeclaration::Undeclare;
+            [[fallthrough]];
+        case ElementNaming::NoNamespace:
+            m_startParts = NameParts{0, 0};
+            break;
+        case ElementNaming::DefaultNamespace:
+            m_startParts = NameParts{0, DefaultNamespaceIndex()};
+            break;
+        case ElementNaming::ParentPrefix:
+            // The parent's start is complete, so its name's parts are known.
+            m_startParts = m_openElements[static_cast<std::size_t>(parent->m_depth)].parts;
+            break;
+        case ElementNaming::PrefixInScope:
+        case ElementNaming::NewPrefix:
+            m_startParts = NameParts{Unresolved, Unresolved};
+            break;
     }
     if (!parent && context.m_inDefaultNamespace) m_defaultDeclaration = DefaultDeclaration::Declare;
 }
@@ -195,8 +184,12 @@ void CFastInfosetWriter::WriteDeclarations(unsigned char high, const CXmlWriterC
     Out(0xF0);
 }
 
+void CFastInfosetWriter::ThrowEmptyName() const {
+    throw CQmInvalidParamException("Failed to write FastInfoset. A name may not be empty.");
+}
+
 void CFastInfosetWriter::WriteIdentifyingString(std::string_view value, NameTable table) {
-    if (value.empty()) throw CQmInvalidParamException("Failed to write FastInfoset. A name may not be empty.");
+    if (value.empty()) ThrowEmptyName();
     std::uint32_t index = 0;
     const bool found = table == NameTable::Prefix      ? m_vocabulary.FindPrefixNameIndex(value, index)
                        : table == NameTable::Namespace ? m_vocabulary.FindNamespaceNameIndex(value, index)
@@ -344,22 +337,14 @@ inline const char* CFastInfosetWriter::WriteAttribute(const PendingAttribute& a,
 
 void CFastInfosetWriter::WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                                         ItemType itemType) {
-    CXmlWriterContext& context = RequireContext();
-    if (!context.m_startTagOpen) throw CQmException("Attributes must be added before elements");
+    CXmlWriterContext& context = RequireStartTag();
     const std::string_view uri = OrEmpty(namespaceURI);
-    const std::string* prefix = nullptr;
-    if (!uri.empty()) {
-        if (uri == XmlNamespaceURI) {
-            static const std::string xml("xml");
-            prefix = &xml;
-        } else if (prefix = context.FindPrefix(uri); prefix == nullptr) {
-            AllocatePrefix(context, m_newPrefix);
-            context.AddNamespace(uri, m_newPrefix);
-            prefix = &m_newPrefix;
-        }
-    }
     const std::string_view local = OrEmpty(localName);
     const std::string_view text = OrEmpty(value);
+    CheckName(local, uri.empty());
+    CheckValue(text.data(), text.size(), local);
+    bool declared = false;
+    const std::string* prefix = AttributePrefix(context, uri, declared);
     if (m_attributeCount == m_attributes.size()) m_attributes.emplace_back();
     PendingAttribute& a = m_attributes[m_attributeCount];
     a.prefixLength = prefix != nullptr ? prefix->size() : 0;
@@ -375,20 +360,21 @@ void CFastInfosetWriter::WriteAttribute(const char* localName, const char* names
     ++m_attributeCount;
 }
 
-void CFastInfosetWriter::WriteTypeAttribute(const char* typeName) { WriteAttribute("type", XsiNamespaceURI, typeName); }
-
-void CFastInfosetWriter::WriteNilAttribute() { WriteAttribute("nil", XsiNamespaceURI, "true"); }
-
 void CFastInfosetWriter::WriteText(const char* value, ItemType itemType) {
     if (!value || *value == '\0') return;
-    RequireContext();
+    const std::string_view text = value;
+    CheckValue(text.data(), text.size(), RequireContext().m_localName);
     CompleteStart();
     WritePendingTerminator();
-    WriteCharacterChunk(value, itemType);
+    WriteCharacterChunk(text, itemType);
 }
 
 void CFastInfosetWriter::WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
                                             ItemType itemType) {
+    // Checked before the element is begun: a refused value leaves no element behind.
+    const std::string_view name = OrEmpty(localName);
+    const std::string_view text = OrEmpty(value);
+    CheckValue(text.data(), text.size(), name);
     CXmlWriterContext* parent = GetCurrentContext();
     const std::string_view uri = OrEmpty(namespaceURI);
     const ChildName naming = ClassifyChildName(uri);
@@ -396,6 +382,7 @@ void CFastInfosetWriter::WriteSimpleElement(const char* localName, const char* n
         CXmlWriter::WriteSimpleElement(localName, namespaceURI, value, itemType);
         return;
     }
+    CheckName(name, naming == ChildName::NoNamespace);
     const std::string* prefix = naming == ChildName::ParentPrefix ? &parent->m_prefix : nullptr;
     NameParts parts{0, 0};
     if (naming == ChildName::DefaultNamespace) parts.ns = Unresolved;
@@ -407,9 +394,9 @@ void CFastInfosetWriter::WriteSimpleElement(const char* localName, const char* n
     if (parts.ns == Unresolved) parts.ns = DefaultNamespaceIndex();
     // The parent's start is complete, so its name's parts are known.
     if (prefix != nullptr) parts = m_openElements[depth].parts;
-    WriteElementName(0x00, prefix != nullptr ? std::string_view(*prefix) : std::string_view(), uri,
-                     OrEmpty(localName), depth + 1, parts);
-    if (value != nullptr && *value != '\0') WriteCharacterChunk(value, itemType);
+    WriteElementName(0x00, prefix != nullptr ? std::string_view(*prefix) : std::string_view(), uri, name, depth + 1,
+                     parts);
+    if (!text.empty()) WriteCharacterChunk(text, itemType);
     m_terminatorPending = true;
 }
 
@@ -514,81 +501,85 @@ void CFastInfosetWriter::EncodeValue(std::string_view value, const EncodedCharac
     platform::LocalToUtf8(value.data(), value.size(), m_octets);
 }
 
-inline void CFastInfosetWriter::WriteAttributeValue(std::string_view value, ItemType itemType) {
-    if (value.empty()) {
-        Out(0xFF);  // the standard's index zero, on the second bit: the empty string
-        return;
-    }
-    const bool indexable = value.size() < m_attributeMaxAddLength;
+namespace {
+
+// The two placements of a value. An attribute value starts on the first bit
+// of its octet: index form '1' and the index from the second bit; literal
+// form '0', the add-to-table bit 0x40, the encoded string from the third bit
+// (its length on the fifth). A character chunk starts on the third bit after
+// '10': index form 0x20 and the index from the fourth bit; literal form with
+// the add bit 0x10, the encoded string from the fifth bit (length on the seventh).
+// A restricted alphabet or algorithm index (8 bits, less one) follows the
+// discriminant and is split across the octet boundary.
+}  // namespace
+
+struct CFastInfosetWriter::Placement {
+    bool isCharacterChunk;
+    unsigned char literalHigh;
+    unsigned char addBit;
+    unsigned char indexHigh;
+    int discriminantShift;  // of the discriminant; the index's top bits follow it in the octet
+    unsigned char* (*index)(unsigned char* out, unsigned char high, std::uint32_t value);
+    unsigned char* (*length)(unsigned char* out, unsigned char high, std::uint32_t length);
+};
+
+namespace {
+constexpr CFastInfosetWriter::Placement kAttributeValue{false, 0x00, 0x40, 0x80, 4, fi_layout::IntegerBit2,
+                                                        fi_layout::LengthBit5};
+constexpr CFastInfosetWriter::Placement kCharacterChunk{true, 0x80, 0x10, 0xA0, 2, fi_layout::IntegerBit4,
+                                                        fi_layout::LengthBit7};
+}  // namespace
+
+template <const CFastInfosetWriter::Placement& Layout>
+inline void CFastInfosetWriter::WriteValue(std::string_view value, ItemType itemType, CFIStringTable& table,
+                                           std::uint32_t maxAddLength) {
+    const bool indexable = value.size() < maxAddLength;
     const std::size_t hash = indexable ? CFIStringTable::Hash(value) : 0;
     std::uint32_t index = 0;
-    if (indexable && m_vocabulary.m_attributeValues.Find(value, hash, index)) {
-        m_out.Commit(fi_layout::IntegerBit2(m_out.Reserve(MaxIntegerOctets), 0x80, index));
+    if (indexable && table.Find(value, hash, index)) {
+        m_out.Commit(Layout.index(m_out.Reserve(MaxIntegerOctets), Layout.indexHigh, index));
         return;
     }
-    const bool add = indexable && m_vocabulary.GetAttributeValuesTable().GetCount() < CFIVocabulary::MaxIndex;
-    const unsigned char high = add ? 0x40 : 0x00;
+    const bool add = indexable && table.GetCount() < CFIVocabulary::MaxIndex;
+    const unsigned char high = Layout.literalHigh | (add ? Layout.addBit : 0x00);
     const EncodedCharacterString encoding = EncodingOf(itemType);
     if (IsVerbatim(encoding)) {
         const std::size_t length = value.size();
         unsigned char* out =
-            fi_layout::LengthBit5(m_out.Reserve(MaxLengthOctets + length), high, static_cast<std::uint32_t>(length));
+            Layout.length(m_out.Reserve(MaxLengthOctets + length), high, static_cast<std::uint32_t>(length));
         std::memcpy(out, value.data(), length);
         m_out.Commit(out + length);
     } else {
         unsigned discriminant = 0;
         std::uint32_t tableIndex = 0;
-        EncodeValue(value, encoding, false, discriminant, tableIndex);
+        EncodeValue(value, encoding, Layout.isCharacterChunk, discriminant, tableIndex);
         const auto length = static_cast<std::uint32_t>(m_octets.size());
         unsigned char* out = m_out.Reserve(1 + MaxLengthOctets + m_octets.size());
         if (discriminant == 0) {
-            out = fi_layout::LengthBit5(out, high, length);
+            out = Layout.length(out, high, length);
         } else {
+            constexpr int lowBits = 8 - Layout.discriminantShift;  // of the index, in the next octet
             const std::uint32_t i = tableIndex - 1;
-            *out++ = static_cast<unsigned char>(high | (discriminant << 4) | (i >> 4));
-            out = fi_layout::LengthBit5(out, static_cast<unsigned char>((i & 0x0F) << 4), length);
+            *out++ = static_cast<unsigned char>(high | (discriminant << Layout.discriminantShift) | (i >> lowBits));
+            out = Layout.length(out, static_cast<unsigned char>((i << Layout.discriminantShift) & 0xFF), length);
         }
         std::memcpy(out, m_octets.data(), m_octets.size());
         m_out.Commit(out + m_octets.size());
     }
     // Looked up in vain above: added without a second look-up.
-    if (add) CFIVocabulary::AddNewString(value, hash, m_vocabulary.m_attributeValues);
+    if (add) CFIVocabulary::AddNewString(value, hash, table);
+}
+
+inline void CFastInfosetWriter::WriteAttributeValue(std::string_view value, ItemType itemType) {
+    if (value.empty()) {
+        Out(0xFF);  // the standard's index zero, on the second bit: the empty string
+        return;
+    }
+    WriteValue<kAttributeValue>(value, itemType, m_vocabulary.m_attributeValues, m_attributeMaxAddLength);
 }
 
 inline void CFastInfosetWriter::WriteCharacterChunk(std::string_view value, ItemType itemType) {
-    const bool indexable = value.size() < m_elementMaxAddLength;
-    const std::size_t hash = indexable ? CFIStringTable::Hash(value) : 0;
-    std::uint32_t index = 0;
-    if (indexable && m_vocabulary.m_characterChunks.Find(value, hash, index)) {
-        m_out.Commit(fi_layout::IntegerBit4(m_out.Reserve(MaxIntegerOctets), 0xA0, index));
-        return;
-    }
-    const bool add = indexable && m_vocabulary.GetCharacterChunksTable().GetCount() < CFIVocabulary::MaxIndex;
-    const unsigned char high = 0x80 | (add ? 0x10 : 0x00);
-    const EncodedCharacterString encoding = EncodingOf(itemType);
-    if (IsVerbatim(encoding)) {
-        const std::size_t length = value.size();
-        unsigned char* out =
-            fi_layout::LengthBit7(m_out.Reserve(MaxLengthOctets + length), high, static_cast<std::uint32_t>(length));
-        std::memcpy(out, value.data(), length);
-        m_out.Commit(out + length);
-    } else {
-        unsigned discriminant = 0;
-        std::uint32_t tableIndex = 0;
-        EncodeValue(value, encoding, true, discriminant, tableIndex);
-        const auto length = static_cast<std::uint32_t>(m_octets.size());
-        unsigned char* out = m_out.Reserve(1 + MaxLengthOctets + m_octets.size());
-        if (discriminant == 0) {
-            out = fi_layout::LengthBit7(out, high, length);
-        } else {
-            const std::uint32_t i = tableIndex - 1;
-            *out++ = static_cast<unsigned char>(high | (discriminant << 2) | (i >> 6));
-            out = fi_layout::LengthBit7(out, static_cast<unsigned char>((i & 0x3F) << 2), length);
-        }
-        std::memcpy(out, m_octets.data(), m_octets.size());
-        m_out.Commit(out + m_octets.size());
-    }
-    if (add) CFIVocabulary::AddNewString(value, hash, m_vocabulary.m_characterChunks);
+    WriteValue<kCharacterChunk>(value, itemType, m_vocabulary.m_characterChunks, m_elementMaxAddLength);
 }
 
 }  // namespace QmXmlLib10

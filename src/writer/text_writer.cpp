@@ -157,12 +157,6 @@ void CXmlTextWriter::WriteNamespaceName(const char* uri) {
     WriteEscaped(uri, true);
 }
 
-CXmlWriter::CXmlWriterContext& CXmlTextWriter::RequireContext() const {
-    CXmlWriterContext* context = GetCurrentContext();
-    if (!context) throw CQmException("An Element has not been opened.");
-    return *context;
-}
-
 void CXmlTextWriter::CloseStartTag(bool asChild) {
     CXmlWriterContext* context = GetCurrentContext();
     if (!context) return;
@@ -187,31 +181,14 @@ void CXmlTextWriter::StartElement(const char* localName, const char* namespaceUR
     m_buffer.Append('<');
     m_startTagDefault = nullptr;
 
-    const std::string& uri = context.m_namespaceURI;
-    bool declare = false;
-    bool undeclareDefault = false;
-    if (uri.empty()) {
-        undeclareDefault = context.m_inDefaultNamespace;
-        context.m_inDefaultNamespace = false;
-    } else if (context.m_inDefaultNamespace && uri == GetDefaultNamespace()) {
-        // unprefixed
-    } else if (parent && !parent->m_prefix.empty() && parent->m_namespaceURI == uri) {
-        context.m_prefix = parent->m_prefix;  // the common case: same namespace as the parent
-    } else if (uri == XmlNamespaceURI) {
-        context.m_prefix = "xml";
-    } else if (const std::string* prefix = context.FindPrefix(uri); prefix) {
-        context.m_prefix = *prefix;
-    } else {
-        AllocatePrefix(context, context.m_prefix);
-        context.AddNamespace(uri, context.m_prefix);
-        declare = true;
-    }
+    const ElementNaming naming = GetElementNaming();
+    const bool declare = naming == ElementNaming::NewPrefix;
     if (!context.m_prefix.empty()) {
         Write(context.m_prefix);
         m_buffer.Append(':');
     }
     Write(context.m_localName);
-    if (declare) WriteNamespaceDeclaration(context.m_prefix, uri);
+    if (declare) WriteNamespaceDeclaration(context.m_prefix, context.m_namespaceURI);
 
     if (!parent) {
         // A root in no namespace cannot carry the default declaration without
@@ -228,7 +205,7 @@ void CXmlTextWriter::StartElement(const char* localName, const char* namespaceUR
         for (std::size_t i = 0; i < aliases; ++i) {
             WriteNamespaceDeclaration(context.GetOwnNamespacePrefix(i), context.GetOwnNamespaceURI(i));
         }
-    } else if (undeclareDefault) {
+    } else if (naming == ElementNaming::Undeclare) {
         Write(" xmlns=\"\"", 9);
         static const std::string noNamespace;
         m_startTagDefault = &noNamespace;
@@ -238,44 +215,37 @@ void CXmlTextWriter::StartElement(const char* localName, const char* namespaceUR
 
 void CXmlTextWriter::WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                                     ItemType) {
-    CXmlWriterContext& context = RequireContext();
-    if (!context.m_startTagOpen) throw CQmException("Attributes must be added before elements");
+    CXmlWriterContext& context = RequireStartTag();
     const std::string_view uri = OrEmpty(namespaceURI);
-    if (uri.empty() && DeclaredInStartTag(context, OrEmpty(localName), OrEmpty(value))) return;
+    const std::string_view name = OrEmpty(localName);
+    const std::string_view text = OrEmpty(value);
+    CheckName(name, uri.empty());
+    CheckValue(text.data(), text.size(), name);
+    if (uri.empty() && DeclaredInStartTag(context, name, text)) return;
     m_buffer.Append(' ');
-    if (!uri.empty()) {
-        if (uri == XmlNamespaceURI) {
-            Write("xml:", 4);
-        } else {
-            const std::string* prefix = context.FindPrefix(uri);
-            if (!prefix) {
-                AllocatePrefix(context, m_newPrefix);
-                context.AddNamespace(uri, m_newPrefix);
-                Write("xmlns:", 6);
-                Write(m_newPrefix);
-                Write("=\"", 2);
-                WriteNamespaceName(namespaceURI);
-                Write("\" ", 2);
-                prefix = &m_newPrefix;
-            }
+    bool declared = false;
+    if (const std::string* prefix = AttributePrefix(context, uri, declared)) {
+        if (declared) {
+            Write("xmlns:", 6);
             Write(*prefix);
-            m_buffer.Append(':');
+            Write("=\"", 2);
+            WriteNamespaceName(namespaceURI);
+            Write("\" ", 2);
         }
+        Write(*prefix);
+        m_buffer.Append(':');
     }
-    m_buffer.Append(OrEmpty(localName));
+    Write(name.data(), name.size());
     Write("=\"", 2);
-    WriteEscaped(OrEmpty(value), true);
+    WriteEscaped(text.data(), true);
     m_buffer.Append('"');
     FlushIfFull();
 }
 
-void CXmlTextWriter::WriteTypeAttribute(const char* typeName) { WriteAttribute("type", XsiNamespaceURI, typeName); }
-
-void CXmlTextWriter::WriteNilAttribute() { WriteAttribute("nil", XsiNamespaceURI, "true"); }
-
 void CXmlTextWriter::WriteText(const char* value, ItemType) {
     if (!value || *value == '\0') return;
     CXmlWriterContext& context = RequireContext();
+    CheckValue(value, std::strlen(value), context.m_localName);
     if (context.m_startTagOpen) {
         m_buffer.Append('>');
         context.m_startTagOpen = false;
@@ -302,12 +272,18 @@ void CXmlTextWriter::WriteSimpleElement(const char* localName, const char* names
                                         ItemType itemType) {
     // The cases of StartElement where the name is written unprefixed or with
     // the parent's prefix and nothing is declared; the others take the long way.
+    // The value is checked before the element is begun, so that a refused
+    // value leaves no element behind.
+    const char* name = OrEmpty(localName);
+    const std::size_t nameLength = std::strlen(name);
+    if (value) CheckValue(value, std::strlen(value), std::string_view(name, nameLength));
     CXmlWriterContext* parent = GetCurrentContext();
     const ChildName naming = ClassifyChildName(OrEmpty(namespaceURI));
     if (naming == ChildName::Declaration) {
         CXmlWriter::WriteSimpleElement(localName, namespaceURI, value, itemType);
         return;
     }
+    CheckName(std::string_view(name, nameLength), naming == ChildName::NoNamespace);
     const std::string* prefix = naming == ChildName::ParentPrefix ? &parent->m_prefix : nullptr;
     if (parent->m_startTagOpen) {
         m_buffer.Append('>');
@@ -321,8 +297,6 @@ void CXmlTextWriter::WriteSimpleElement(const char* localName, const char* names
         Write(*prefix);
         m_buffer.Append(':');
     }
-    const char* name = OrEmpty(localName);
-    const std::size_t nameLength = std::strlen(name);
     Write(name, nameLength);
     if (value && *value != '\0') {
         m_buffer.Append('>');
@@ -361,6 +335,13 @@ void CXmlTextWriter::EndElement() {
 }
 
 void CXmlTextWriter::WriteComment(const char* text) {
+    // "--" inside, or "-" at the end, would end the comment early.
+    const std::string_view comment = OrEmpty(text);
+    if (!IsWritable(comment.data(), comment.size()) || comment.find("--") != std::string_view::npos ||
+        (!comment.empty() && comment.back() == '-')) {
+        throw CQmInvalidValueException(
+            FormatString("Invalid comment [%.*s]", static_cast<int>(comment.size()), comment.data()));
+    }
     CloseStartTag(true);
     Write("<!--", 4);
     m_buffer.Append(OrEmpty(text));

@@ -1,12 +1,24 @@
 #include "qmxml/writer/xml_writer.h"
 
+#include "dom/expat_reader.h"
+#include "platform/charset.h"
 #include "qmxml/core/exception.h"
 
 namespace QmXmlLib10 {
 
 namespace {
 const std::string kEmpty;
+const std::string kXmlPrefix("xml");
+
+// True when no byte is a C0 control other than tab, line feed and carriage return.
+bool HasNoBadControls(const char* text, std::size_t length) {
+    for (std::size_t i = 0; i < length; ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (c < 0x20 && c != 0x09 && c != 0x0A && c != 0x0D) return false;
+    }
+    return true;
 }
+}  // namespace
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(CXmlWriterContext* parent, const char* localName,
                                                  const char* namespaceURI)
@@ -59,7 +71,8 @@ void CXmlWriter::CXmlWriterContext::AddNamespace(std::string_view uri, std::stri
     d.prefix.assign(prefix);
 }
 
-CXmlWriter::CXmlWriter(const char* className) : CInstanceMonitor(className) {}
+CXmlWriter::CXmlWriter(const char* className)
+    : CInstanceMonitor(className), m_localIsUtf8(platform::LocalIsUtf8()) {}
 
 CXmlWriter::~CXmlWriter() = default;
 
@@ -72,11 +85,20 @@ void CXmlWriter::SetDefaultNamespace(const char* namespaceURI) {
     // The XML namespace is bound to "xml" for good and may not be declared as
     // the default; elements in it are written with that prefix instead.
     const std::string_view uri = namespaceURI ? namespaceURI : "";
+    CheckNamespaceName(uri);
     m_defaultNamespaceURI = uri == XmlNamespaceURI ? std::string_view() : uri;
 }
 
 void CXmlWriter::AddNamespaceAlias(const char* alias, const char* namespaceURI) {
-    if (!m_current) m_namespaceAliases[namespaceURI ? namespaceURI : ""] = alias ? alias : "";
+    if (m_current) return;
+    const std::string_view uri = namespaceURI ? namespaceURI : "";
+    const std::string_view prefix = alias ? alias : "";
+    // Aliases that are never declared (empty, or for the XML namespace) are kept unchecked.
+    if (!prefix.empty() && !uri.empty() && uri != XmlNamespaceURI) {
+        CheckPrefix(prefix);
+        CheckNamespaceName(uri);
+    }
+    m_namespaceAliases[std::string(uri)] = prefix;
 }
 
 void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
@@ -92,11 +114,115 @@ void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
     } else {
         context->m_inDefaultNamespace = !m_defaultNamespaceURI.empty();
         for (const auto& [uri, alias] : m_namespaceAliases) {
-            if (!alias.empty() && uri != XmlNamespaceURI) context->AddNamespace(uri, alias);
+            // xmlns:p="" is no declaration XML allows, so an alias of no namespace is left out.
+            if (!alias.empty() && !uri.empty() && uri != XmlNamespaceURI) context->AddNamespace(uri, alias);
         }
     }
     ++m_openCount;
     m_current = context;
+
+    // The name's prefix: the one rule both writers follow.
+    const std::string& uri = context->m_namespaceURI;
+    CheckName(context->m_localName, uri.empty());
+    if (uri.empty()) {
+        m_naming = parent && context->m_inDefaultNamespace ? ElementNaming::Undeclare : ElementNaming::NoNamespace;
+        context->m_inDefaultNamespace = false;
+    } else if (context->m_inDefaultNamespace && uri == m_defaultNamespaceURI) {
+        m_naming = ElementNaming::DefaultNamespace;
+    } else if (parent && !parent->m_prefix.empty() && parent->m_namespaceURI == uri) {
+        context->m_prefix = parent->m_prefix;  // the common case: the parent's namespace
+        m_naming = ElementNaming::ParentPrefix;
+    } else if (uri == XmlNamespaceURI) {
+        context->m_prefix = kXmlPrefix;
+        m_naming = ElementNaming::PrefixInScope;
+    } else if (const std::string* prefix = context->FindPrefix(uri); prefix) {
+        context->m_prefix = *prefix;
+        m_naming = ElementNaming::PrefixInScope;
+    } else {
+        CheckNamespaceName(uri);
+        AllocatePrefix(*context, context->m_prefix);
+        context->AddNamespace(uri, context->m_prefix);
+        m_naming = ElementNaming::NewPrefix;
+    }
+}
+
+const std::string* CXmlWriter::AttributePrefix(CXmlWriterContext& context, std::string_view namespaceURI,
+                                               bool& declared) {
+    declared = false;
+    if (namespaceURI.empty()) return nullptr;
+    if (namespaceURI == XmlNamespaceURI) return &kXmlPrefix;
+    if (const std::string* prefix = context.FindPrefix(namespaceURI)) return prefix;
+    CheckNamespaceName(namespaceURI);
+    AllocatePrefix(context, m_attributePrefix);
+    context.AddNamespace(namespaceURI, m_attributePrefix);
+    declared = true;
+    return &m_attributePrefix;
+}
+
+void CXmlWriter::WriteTypeAttribute(const char* typeName) { WriteAttribute("type", XsiNamespaceURI, typeName); }
+
+void CXmlWriter::WriteNilAttribute() { WriteAttribute("nil", XsiNamespaceURI, "true"); }
+
+bool CXmlWriter::IsWritable(const char* text, std::size_t length) const {
+    if (platform::IsPrintableAscii(text, length)) return true;
+    if (m_localIsUtf8 && !m_bytesAreUnits) return platform::IsXmlUtf8Slow(text, length);
+    // Each byte one character (ASCIIOnly into UTF-16), or an 8-bit encoding
+    // whose bytes below 0x80 are ASCII: a control byte is a control either way.
+    if (!HasNoBadControls(text, length)) return false;
+    if (m_bytesAreUnits) return true;
+    m_utf8.clear();
+    try {
+        platform::LocalToUtf8(text, length, m_utf8);
+    } catch (const CQmInvalidValueException&) {
+        return false;  // a byte the local encoding does not define
+    }
+    return platform::IsXmlUtf8(m_utf8.data(), m_utf8.size());
+}
+
+void CXmlWriter::ThrowInvalidValue(std::string_view name) {
+    throw CQmInvalidValueException(FormatString("Invalid character in the value of [%.*s]",
+                                                static_cast<int>(name.size()), name.data()));
+}
+
+void CXmlWriter::ThrowEmptyName() const { throw CQmInvalidValueException("Invalid name []"); }
+
+void CXmlWriter::CheckName(std::string_view name, bool colons) const {
+    if (name.empty()) ThrowEmptyName();
+    // Printable ASCII takes the name check's own fast path; anything else
+    // is checked as the UTF-8 it is written as.
+    std::string_view utf8 = name;
+    bool convertible = true;
+    if (!m_localIsUtf8 && !platform::IsPrintableAscii(name.data(), name.size())) {
+        m_utf8.clear();
+        try {
+            platform::LocalToUtf8(name.data(), name.size(), m_utf8);
+        } catch (const CQmInvalidValueException&) {
+            convertible = false;  // a byte the local encoding does not define
+        }
+        utf8 = m_utf8;
+    }
+    if (!m_names) m_names = std::make_unique<CExpatNameCheck>();
+    if (!convertible || !m_names->IsName(utf8.data(), utf8.size(), colons)) {
+        throw CQmInvalidValueException(
+            FormatString("Invalid name [%.*s]", static_cast<int>(name.size()), name.data()));
+    }
+}
+
+void CXmlWriter::CheckPrefix(std::string_view prefix) const {
+    CheckName(prefix, false);
+    if (prefix == "xmlns" || prefix == "xml") {
+        throw CQmInvalidValueException(
+            FormatString("Invalid name [%.*s]", static_cast<int>(prefix.size()), prefix.data()));
+    }
+}
+
+void CXmlWriter::CheckNamespaceName(std::string_view uri) const {
+    // "|" separates a name's namespace from its local name when text is read
+    // with namespaces, so the readers refuse it in namespace names.
+    if (!IsWritable(uri.data(), uri.size()) || uri.find('|') != std::string_view::npos) {
+        throw CQmInvalidValueException(FormatString("Invalid character in the namespace name [%.*s]",
+                                                    static_cast<int>(uri.size()), uri.data()));
+    }
 }
 
 void CXmlWriter::WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
@@ -131,8 +257,16 @@ CXmlWriter::ChildName CXmlWriter::ClassifyChildName(std::string_view namespaceUR
     return ChildName::Declaration;
 }
 
+void CXmlWriter::ThrowNotOpened() { throw CQmException("An Element has not been opened."); }
+
+CXmlWriter::CXmlWriterContext& CXmlWriter::RequireStartTag() const {
+    CXmlWriterContext& context = RequireContext();
+    if (!context.m_startTagOpen) throw CQmException("Attributes must be added before elements");
+    return context;
+}
+
 void CXmlWriter::EndElement() {
-    if (!m_current) throw CQmException("An Element has not been opened.");
+    if (!m_current) ThrowNotOpened();
     m_current = m_current->m_parent;
     --m_openCount;
 }

@@ -57,9 +57,16 @@ public:
     void WriteComment(const char*) override {}
     void WriteRawLine(const char*) override {}
     void WriteRaw(const char*) override {}
+    // Opens the element; its start is written with its first attribute,
+    // child, text or its end (see above).
     void StartElement(const char* localName, const char* namespaceURI) override;
-    // One character chunk; empty text writes nothing.
+    // Kept with the pending start, in order. Throws "Attributes must be added
+    // before elements" once the element has a child or text.
+    void WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
+                        ItemType itemType = ItemType_string) override;
+    // Completes the start, then one character chunk; empty text writes nothing.
     void WriteText(const char* value, ItemType itemType = ItemType_string) override;
+    // Completes the start, then the element's terminator, merged with a pending one.
     void EndElement() override;
     // Where the element needs no namespace declaration (no namespace outside
     // a default namespace's scope, the default namespace, or the parent's
@@ -67,15 +74,17 @@ public:
     // otherwise as StartElement, WriteText, EndElement.
     void WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
                             ItemType itemType = ItemType_string) override;
-    // Throws "Attributes must be added before elements" once the element has
-    // a child or text.
-    void WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
-                        ItemType itemType = ItemType_string) override;
-    void WriteTypeAttribute(const char* typeName) override;
-    void WriteNilAttribute() override;
 
     // The writer's vocabulary, as filled so far.
     const CFIVocabulary& GetVocabulary() const { return m_vocabulary; }
+
+public:
+    // Where a value's bits go: an attribute value or a character chunk (fi_writer.cpp).
+    struct Placement;
+
+protected:
+    // CQmInvalidParamException "Failed to write FastInfoset. A name may not be empty."
+    [[noreturn]] void ThrowEmptyName() const override;
 
 private:
     // An element name's prefix and namespace as indexes into the vocabulary's
@@ -140,7 +149,6 @@ private:
 
     void Out(unsigned char octet) { m_out.Put(octet); }
     void Flush() noexcept;
-    inline CXmlWriterContext& RequireContext() const;
     inline void WritePendingTerminator();
     // Writes the current element's pending start, if any.
     void CompleteStart() {
@@ -182,6 +190,11 @@ private:
                      unsigned& discriminant, std::uint32_t& tableIndex);
     // The value in restricted alphabet `alphabetIndex` (from 1, in the vocabulary).
     void AppendRestrictedAlphabetString(std::uint32_t alphabetIndex, std::string_view value);
+    // An attribute value or a character chunk: an index when the table has
+    // the value, else the encoded string, added when short enough. Layout
+    // is one of the two placements (fi_writer.cpp).
+    template <const Placement& Layout>
+    inline void WriteValue(std::string_view value, ItemType itemType, CFIStringTable& table, std::uint32_t maxAddLength);
     inline void WriteAttributeValue(std::string_view value, ItemType itemType);
     inline void WriteCharacterChunk(std::string_view value, ItemType itemType);
 

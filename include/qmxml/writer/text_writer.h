@@ -40,7 +40,9 @@ public:
     // other stream encodings), then the end-of-line sequence, formatted or not.
     // Call it after StartDocument once the EOL type is set.
     void WriteXmlDeclaration();
-    // "<!--" text "-->" and a line end; the text is not escaped.
+    // "<!--" text "-->" and a line end; the text is not escaped. A text that
+    // holds "--", ends in "-" or holds a character XML cannot carry throws
+    // CQmInvalidValueException "Invalid comment [%s]".
     void WriteComment(const char* text) override;
     // The text unchanged, then two line ends.
     void WriteRawLine(const char* text) override;
@@ -55,12 +57,11 @@ public:
     // element when its name needs no namespace declaration.
     void WriteSimpleElement(const char* localName, const char* namespaceURI, const char* value,
                             ItemType itemType = ItemType_string) override;
-    // Throws "Attributes must be added before elements" once the start tag is closed.
+    // Throws "Attributes must be added before elements" once the start tag is
+    // closed. Tabs in the value are written as they are (a reader makes them
+    // spaces), line feeds as references, carriage returns are dropped.
     void WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                         ItemType itemType = ItemType_string) override;
-    // xsi:type="typeName" and xsi:nil="true".
-    void WriteTypeAttribute(const char* typeName) override;
-    void WriteNilAttribute() override;
 
     // 0 CR LF, 1 LF; anything else throws "Invalid EOL type.".
     void SetEOLType(EOLType type);
@@ -85,7 +86,6 @@ private:
     // Closes the current element's start tag, if open: ">" and, when asChild and
     // formatted, a line end; asChild also counts a child.
     void CloseStartTag(bool asChild);
-    CXmlWriterContext& RequireContext() const;
     // For an attribute in no namespace named xmlns or xmlns:p (a declaration
     // read as data, as without namespace processing): true when the open start
     // tag already makes the same declaration, so that writing it again would

@@ -14,10 +14,26 @@
 
 namespace QmXmlLib10 {
 
+class CExpatNameCheck;
+
 // Calling order: StartDocument; optionally SetDefaultNamespace and
 // AddNamespaceAlias; StartElement; its attributes; its text and children;
 // EndElement; ...; EndDocument. The base keeps the namespace settings declared
 // on the root and one CXmlWriterContext per open element.
+//
+// Writers never produce a document that cannot be read back. A text or
+// attribute value holding a character XML 1.0 cannot carry (C0 controls other
+// than tab, line feed and carriage return; U+FFFE, U+FFFF; malformed UTF-8 or
+// encoded surrogates; bytes the local encoding does not define) throws
+// CQmInvalidValueException "Invalid character in the value of [%s]" (the
+// element's or attribute's local name) before anything of the value, or of
+// a text-only element's start tag, is written. Names are refused alike:
+// "Invalid name [%s]" for an element or attribute local name or a prefix that
+// is not an XML name (colons are allowed only in names in no namespace, as a
+// document read without namespace processing has them), and "Invalid
+// character in the namespace name [%s]" for a namespace name that holds
+// such a character or "|" (which separates the namespace from the local name
+// when text is read with namespaces).
 class CXmlWriter : public CInstanceMonitor {
 public:
     static constexpr const char* XmlNamespaceURI = "http://www.w3.org/XML/1998/namespace";
@@ -70,6 +86,10 @@ public:
         std::size_t m_namespaceCount = 0;
     };
 
+    // The output's characters are checked as what the local strings become:
+    // UTF-8 (the local encoding is UTF-8, or ASCIIOnly copies the bytes), or
+    // converted from the local encoding. A text writer with ASCIIOnly and
+    // UTF-16 output makes each byte one unit (SetBytesAreUnits).
     explicit CXmlWriter(const char* className);
     virtual ~CXmlWriter();
     CXmlWriter(const CXmlWriter&) = delete;
@@ -98,8 +118,9 @@ public:
     virtual void EndElement();
     virtual void WriteAttribute(const char* localName, const char* namespaceURI, const char* value,
                                 ItemType itemType = ItemType_string) = 0;
-    virtual void WriteTypeAttribute(const char* typeName) = 0;
-    virtual void WriteNilAttribute() = 0;
+    // xsi:type="typeName" and xsi:nil="true", through WriteAttribute.
+    virtual void WriteTypeAttribute(const char* typeName);
+    virtual void WriteNilAttribute();
 
     const std::string& GetDefaultNamespace() const { return m_defaultNamespaceURI; }
     // URI -> alias pairs declared on the root element.
@@ -107,10 +128,49 @@ public:
 
 protected:
     CXmlWriterContext* GetCurrentContext() const { return m_current; }
+    // The open element; throws "An Element has not been opened." when none is.
+    CXmlWriterContext& RequireContext() const {
+        if (!m_current) ThrowNotOpened();
+        return *m_current;
+    }
+    // The element an attribute goes on; throws "Attributes must be added
+    // before elements" once a child or text has closed its start tag.
+    CXmlWriterContext& RequireStartTag() const;
     // The default namespace in scope at the context: the writer's, or empty.
     const std::string& GetDefaultNamespaceInScope(const CXmlWriterContext& context) const;
     // A prefix not in scope at the context: "AA", "AB", ... "ZZ", then "NS0", "NS1", ...
     static void AllocatePrefix(const CXmlWriterContext& context, std::string& prefix);
+
+    // How StartElement named the element just opened (its context's m_prefix
+    // is set accordingly): in no namespace (Undeclare: with xmlns="" as it is
+    // inside the default namespace's scope), in the default namespace, with
+    // the parent's prefix, with a prefix in scope or "xml", or with a new
+    // prefix, declared on this element (the last of its own declarations).
+    enum class ElementNaming { NoNamespace, Undeclare, DefaultNamespace, ParentPrefix, PrefixInScope, NewPrefix };
+    ElementNaming GetElementNaming() const { return m_naming; }
+    // The prefix of an attribute of the current element in the namespace
+    // (null for none); a new prefix is allocated, recorded on the element and
+    // `declared` set. The string lives until the next call.
+    const std::string* AttributePrefix(CXmlWriterContext& context, std::string_view namespaceURI, bool& declared);
+
+    // Throws "Invalid character in the value of [%s]" (name) when the value
+    // holds a character the output cannot carry; cheap for printable ASCII.
+    void CheckValue(const char* value, std::size_t length, std::string_view name) const {
+        if (!IsWritable(value, length)) ThrowInvalidValue(name);
+    }
+    bool IsWritable(const char* text, std::size_t length) const;
+    [[noreturn]] static void ThrowInvalidValue(std::string_view name);
+    [[noreturn]] static void ThrowNotOpened();
+    // Throws "Invalid name [%s]" unless the name is an XML name; with colons
+    // only when `colons`.
+    void CheckName(std::string_view name, bool colons) const;
+    // An empty name: CQmInvalidValueException "Invalid name []" unless a writer says otherwise.
+    [[noreturn]] virtual void ThrowEmptyName() const;
+    // A prefix to declare: a name without colons, neither "xmlns" nor "xml".
+    void CheckPrefix(std::string_view prefix) const;
+    // Throws "Invalid character in the namespace name [%s]".
+    void CheckNamespaceName(std::string_view uri) const;
+    void SetBytesAreUnits(bool on) { m_bytesAreUnits = on; }
 
     // How a child of the current element in namespaceURI is named when
     // StartElement would declare nothing for it: without a prefix (in no
@@ -126,6 +186,12 @@ private:
     // Contexts by depth; the first m_openCount are open, the rest are kept for reuse.
     std::vector<std::unique_ptr<CXmlWriterContext>> m_contexts;
     std::size_t m_openCount = 0;
+    ElementNaming m_naming = ElementNaming::NoNamespace;
+    std::string m_attributePrefix;  // AttributePrefix's allocation
+    const bool m_localIsUtf8;
+    bool m_bytesAreUnits = false;
+    mutable std::string m_utf8;  // a value converted from the local encoding, to check it
+    mutable std::unique_ptr<CExpatNameCheck> m_names;  // for names beyond ASCII
 };
 
 }  // namespace QmXmlLib10
