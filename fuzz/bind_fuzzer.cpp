@@ -14,6 +14,14 @@
 // lenient one may have let through an object that validation on writing
 // rejects. Anything but a CQmException escaping, a crash, a leak or a
 // difference is a bug.
+//
+// The input's bytes are also taken as values: split in two, they are set on a
+// bound string member and string attribute (focus::Legend) and on a wildcard
+// element's text and attribute, and written through both writers. Each writer
+// must either refuse at once with "Invalid character in the value of [%s]"
+// naming the member, both alike, or write a document that reads back with
+// the values as the writer defines them.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -79,9 +87,98 @@ CBinaryData WriteText(const CXmlObjectBase& object, const CXmlSerializationConte
     return object.ToXmlStream(true, formatted, XmlEncoding_UTF8, EOLType_LF, ctx);
 }
 
+// The document written as text (or Fast Infoset); empty when the writer
+// refused, which must be with the refusal naming one of `names`.
+std::string WriteOrRefuse(const CXmlObjectBase& object, bool fastInfoset, const std::string& names, std::string& refused) {
+    try {
+        return AsText(fastInfoset ? object.ToFastInfosetStream() : object.ToXmlStream(true, true));
+    } catch (const CQmException& e) {
+        const CQmException* cause = &e;
+        while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
+        const std::string& message = cause->GetMessage();
+        const std::string prefix = "Invalid character in the value of [";
+        if (dynamic_cast<const CQmInvalidValueException*>(cause) == nullptr || message.compare(0, prefix.size(), prefix) != 0 ||
+            names.find("[" + message.substr(prefix.size())) == std::string::npos)
+            Fail("a value was refused other than as an invalid character", e.GetFullMessage());
+        refused = message;
+        return std::string();
+    }
+}
+
+std::string Without(std::string s, char c) {
+    s.erase(std::remove(s.begin(), s.end(), c), s.end());
+    return s;
+}
+
+// The readers store no carriage return in text; the text writer drops them
+// in attribute values and a reader reads a raw tab there as a space.
+std::string TextBack(const std::string& v) { return Without(v, '\r'); }
+std::string AttributeBack(const std::string& v, bool fastInfoset) {
+    if (fastInfoset) return v;
+    std::string s = Without(v, '\r');
+    std::replace(s.begin(), s.end(), '\t', ' ');
+    return s;
+}
+
+void CheckValuesWrite(const std::uint8_t* data, std::size_t size) {
+    std::string bytes(reinterpret_cast<const char*>(data), size);
+    bytes = Without(bytes, '\0');  // values are zero-terminated strings
+    const std::string first = bytes.substr(0, bytes.size() / 2), second = bytes.substr(bytes.size() / 2);
+    // CDATA sections at the start of a text travel as markup: compared elsewhere.
+    const bool markup = first.compare(0, 9, "<![CDATA[") == 0;
+
+    focus::Legend legend;
+    legend.text.value = first;
+    legend.pos.value = second;
+    CSmartPtr<CElement> root = new CElement();
+    root->SetLocalName("r");
+    root->SetNamespaceURI("urn:r");
+    CSmartPtr<CElement> child = root->GetElements().Add("c", "urn:r");
+    child->SetText(first);
+    child->GetAttributes().Add("a", "", second.c_str());
+
+    for (int kind = 0; kind < 2; ++kind) {
+        const bool fi = kind == 1;
+        std::string refusedText, refusedFi;
+        const std::string bound = WriteOrRefuse(legend, fi, "[Text] [pos]", fi ? refusedFi : refusedText);
+        const std::string wildcard = WriteOrRefuse(*root, fi, "[c] [a]", fi ? refusedFi : refusedText);
+        if (bound.empty() != wildcard.empty())
+            Fail("the same values were refused on one object and not on the other", bound + "\n---\n" + wildcard);
+        if (bound.empty()) continue;
+        CSmartPtr<focus::Legend> back = new focus::Legend();
+        Must("values written did not read back", [&] {
+            back->FromXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(bound.data())),
+                                static_cast<std::uint32_t>(bound.size()));
+            return 0;
+        });
+        CSmartPtr<CElement> wild = new CElement();
+        Must("values written in a wildcard element did not read back", [&] {
+            wild->FromXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(wildcard.data())),
+                                static_cast<std::uint32_t>(wildcard.size()));
+            return 0;
+        });
+        if (markup) continue;
+        if (back->text.value.value_or("") != TextBack(first))
+            Fail("a string member read back changed", first + "\n---\n" + back->text.value.value_or(""));
+        if (back->pos.value.value_or("") != CWhitespaceUtils::Collapse(AttributeBack(second, fi)))
+            Fail("a string attribute read back changed", second + "\n---\n" + back->pos.value.value_or(""));
+        CElement* c = wild->GetElementCount() == 1
+                          ? static_cast<CElement*>(wild->GetElements().GetFirstNode()->GetItem())
+                          : nullptr;
+        if (c == nullptr || c->GetText() != TextBack(first))
+            Fail("a wildcard element's text read back changed", first);
+        const CAttribute* a = c->GetAttributeCount() == 1
+                                  ? static_cast<const CAttribute*>(c->GetAttributes().GetFirstNode()->GetItem())
+                                  : nullptr;
+        if (a == nullptr || a->GetValue() != AttributeBack(second, fi))
+            Fail("a wildcard attribute read back changed", second);
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    CheckValuesWrite(data, size);
     if (size < 2) return 0;
     const std::uint8_t mode = data[0];
     const Factory& create = Classes()[(mode & 15) % Classes().size()];  // sixteen classes

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "qmxml/core/exception.h"
+#include "qmxml/core/settings.h"
 
 namespace QmXmlLib10 {
 
@@ -31,7 +32,10 @@ inline const char* OrEmpty(const char* s) { return s ? s : ""; }
 }  // namespace
 
 CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
-    : CXmlWriter("CXmlTextWriter"), m_stream(stream), m_buffer(stream.GetBuffer()) {}
+    : CXmlWriter("CXmlTextWriter"), m_stream(stream), m_buffer(stream.GetBuffer()) {
+    // ASCIIOnly copies each byte into a UTF-16 unit of its own: any byte but a control is a character then.
+    SetBytesAreUnits(GetASCIIOnly() && stream.GetEncoding() == XmlEncoding_UTF16);
+}
 
 CXmlTextWriter::~CXmlTextWriter() = default;
 

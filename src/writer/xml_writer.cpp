@@ -102,6 +102,7 @@ void CXmlWriter::AddNamespaceAlias(const char* alias, const char* namespaceURI) 
 }
 
 void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
+    CheckName(localName ? localName : "", namespaceURI == nullptr || *namespaceURI == '\0');
     CXmlWriterContext* parent = m_current;
     if (m_openCount == m_contexts.size()) {
         m_contexts.push_back(std::make_unique<CXmlWriterContext>(parent, localName, namespaceURI));
@@ -123,7 +124,6 @@ void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
 
     // The name's prefix: the one rule both writers follow.
     const std::string& uri = context->m_namespaceURI;
-    CheckName(context->m_localName, uri.empty());
     if (uri.empty()) {
         m_naming = parent && context->m_inDefaultNamespace ? ElementNaming::Undeclare : ElementNaming::NoNamespace;
         context->m_inDefaultNamespace = false;
