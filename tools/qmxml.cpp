@@ -2,8 +2,6 @@
 // arguments runs the main job on the bundled order book.
 #include <qmxml/qmxml.h>
 
-#include <zlib.h>
-
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -56,24 +54,6 @@ void WriteOutput(const std::string& name, const CBinaryData& data) {
 
 CBinaryData AsData(std::string& text) {
     return CBinaryData(reinterpret_cast<unsigned char*>(&text[0]), static_cast<std::uint32_t>(text.size()), false);
-}
-
-bool IsFastInfoset(const std::string& bytes) {
-    // The identification octets, either first or after an XML declaration text.
-    static const std::string kMagic("\xE0\x00\x00\x01", 4);
-    if (bytes.compare(0, 4, kMagic) == 0) return true;
-    if (bytes.compare(0, 5, "<?xml") != 0) return false;
-    const auto end = bytes.find("?>");
-    return end != std::string::npos && end < 256 && bytes.compare(end + 2, 4, kMagic) == 0;
-}
-
-std::string Kind(const std::string& bytes, const std::string& inflated) {
-    const auto b0 = bytes.size() > 0 ? static_cast<unsigned char>(bytes[0]) : 0;
-    const auto b1 = bytes.size() > 1 ? static_cast<unsigned char>(bytes[1]) : 0;
-    const std::string content = IsFastInfoset(inflated) ? "Fast Infoset" : "XML text";
-    if (b0 == 0x1F && b1 == 0x8B) return "gzip-compressed " + content;
-    if ((b0 & 0x0F) == 8 && ((b0 << 8) | b1) % 31 == 0 && !IsFastInfoset(bytes)) return "zlib-compressed " + content;
-    return content;
 }
 
 int Convert(const std::vector<std::string>& args) {
@@ -138,24 +118,6 @@ int Convert(const std::vector<std::string>& args) {
     return 0;
 }
 
-// The input as the loader sees it after inflation, for telling formats apart.
-std::string Inflated(const std::string& input) {
-    const auto b0 = input.size() > 0 ? static_cast<unsigned char>(input[0]) : 0;
-    if (b0 != 0x1F && (b0 & 0x0F) != 8) return input;
-    // The first octets tell the format: inflate a small prefix only.
-    std::string out(4096, '\0');
-    z_stream z{};
-    if (inflateInit2(&z, 15 + 32) != Z_OK) return input;
-    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(input.data()));
-    z.avail_in = static_cast<uInt>(input.size());
-    z.next_out = reinterpret_cast<Bytef*>(&out[0]);
-    z.avail_out = static_cast<uInt>(out.size());
-    const int rc = inflate(&z, Z_SYNC_FLUSH);
-    out.resize(z.total_out);
-    inflateEnd(&z);
-    return rc == Z_OK || rc == Z_STREAM_END ? out : input;
-}
-
 int Info(const std::vector<std::string>& args) {
     if (args.size() != 1) throw UsageError{"info needs IN"};
     std::string input = ReadInput(args[0]);
@@ -182,8 +144,11 @@ int Info(const std::vector<std::string>& args) {
             stack.push_back({c, item.depth + 1});
         }
     }
-    std::cout << "format:     " << Kind(input, Inflated(input)) << "\n"
-              << "bytes:      " << input.size() << "\n"
+    // What the loader detected, rather than a second guess with other rules.
+    const CXmlDetectedFormat& format = document.GetDetectedFormat();
+    std::cout << "format:     " << format.Describe() << "\n";
+    if (!format.encoding.empty()) std::cout << "encoding:   " << format.encoding << "\n";
+    std::cout << "bytes:      " << input.size() << "\n"
               << "root:       {" << document.GetDocumentElement()->GetNamespaceURI() << "}"
               << document.GetDocumentElement()->GetLocalName() << "\n"
               << "elements:   " << elements << "\n"

@@ -1,11 +1,10 @@
 #include "orders.h"
 
-#include <cstring>
-
 namespace orders {
 
 using namespace QmXmlLib10;
 using namespace QmXmlLib10Data;
+using namespace QmXmlLib10::Generated;
 
 const char* const TargetNamespace = "urn:example:orders";
 
@@ -24,80 +23,6 @@ const CPrimitiveRestrictions kSkuType("[A-Z]{3}-\\d{4}", -1, -1, "", "", "", "",
 const CPrimitiveRestrictions kQuantityType("", -1, -1, "1", "10000", "", "", -1);
 const CPrimitiveRestrictions kCardNumberType("\\d{4}-\\d{4}-\\d{4}-\\d{4}", -1, -1, "", "", "", "", -1);
 
-// Setters check a value against its facets as writing would.
-void CheckString(const char* member, const std::string& text, const CPrimitiveRestrictions& facets) {
-    QmVariant value;
-    value.SetString(text);
-    CPrimitiveRestrictions::CheckRestriction(member, value, ItemType_string, facets);
-}
-
-// Helpers the property switches share. An unset optional member reads as an
-// invalid variant; storing an invalid or nil variant unsets it.
-void AccessString(bool read, QmVariant& v, std::string& field) {
-    if (read) v.SetString(field); else field = v.TakeString();
-}
-void AccessString(bool read, QmVariant& v, std::optional<std::string>& field) {
-    if (read) {
-        if (field) v.SetString(*field); else v.SetInvalid();
-    } else if (v.IsValid() && !v.IsNil()) {
-        field = v.TakeString();
-    } else {
-        field.reset();
-    }
-}
-void AccessDateTime(bool read, QmVariant& v, CDateTime& field, ItemType type) {
-    if (read) {
-        if (type == ItemType_date) v.SetDate(field);
-        else if (type == ItemType_yearMonth) v.SetYearMonth(field);
-        else v.SetDateTime(field);
-    } else {
-        field = type == ItemType_date ? v.GetDate() : type == ItemType_yearMonth ? v.GetYearMonth() : v.GetDateTime();
-    }
-}
-template <class T>
-void AccessObject(bool read, QmVariant& v, CSmartPtr<T>& field) {
-    if (read) v.SetXmlObject(field); else field = dynamic_cast<T*>(v.GetXmlObject().Get());
-}
-template <class T>
-void AccessCollection(bool read, QmVariant& v, CSmartPtr<T>& field) {
-    if (read) v.SetXmlCollection(field); else field = dynamic_cast<T*>(v.GetXmlCollection().Get());
-}
-[[noreturn]] void ThrowUnknownProperty(const char* className, int index) {
-    throw CQmInvalidParamException(FormatString("Unknown property index [%d] for the class [%s]", index, className));
-}
-[[noreturn]] void ThrowUnset(const char* member) {
-    throw CQmInvalidStateException(FormatString("The optional member [%s] is not set", member));
-}
-
-// Init runs at the start of every read: a member object nobody else holds is
-// reset in place rather than reallocated.
-template <class T>
-void ResetMember(CSmartPtr<T>& field) {
-    if (field && field->GetRefCount() == 1) field->Init(); else field = new T();
-}
-template <class T>
-void ResetCollection(CSmartPtr<CXmlClassCollection<T>>& field, const char* name, std::int32_t minOccurs) {
-    if (field && field->GetRefCount() == 1) field->Clear(); else field = new CXmlClassCollection<T>(name, NS, minOccurs, -1);
-}
-
-bool SameDateTime(const CDateTime& a, const CDateTime& b) { return a.ToString() == b.ToString(); }
-
-template <class T>
-bool SameObject(const CSmartPtr<T>& a, const CSmartPtr<T>& b) {
-    if (!a || !b) return !a && !b;
-    return a->Equals(*b);
-}
-
-template <class T>
-bool SameCollection(const CSmartPtr<CXmlClassCollection<T>>& a, const CSmartPtr<CXmlClassCollection<T>>& b) {
-    if (!a || !b) return !a && !b;
-    if (a->GetCount() != b->GetCount()) return false;
-    for (int i = 0; i < a->GetCount(); ++i) {
-        if (!a->GetItem(i)->Equals(*b->GetItem(i))) return false;
-    }
-    return true;
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------- StatusType
@@ -106,35 +31,16 @@ namespace {
 const char* const kStatusTexts[] = {"pending", "shipped", "delivered", "cancelled"};
 }
 
-const char* StatusTypeToString(int value) {
-    if (value < 0 || value > StatusType_cancelled) {
-        throw CQmInvalidValueException(FormatString("Invalid value [%d] for the enumeration StatusType", value));
-    }
-    return kStatusTexts[value];
-}
+const char* StatusTypeToString(int value) { return EnumerationToString(value, kStatusTexts, "StatusType"); }
 
-int StatusTypeFromString(const char* text) {
-    const char* t = text ? text : "";
-    for (int i = 0; i <= StatusType_cancelled; ++i) {
-        if (std::strcmp(t, kStatusTexts[i]) == 0) return i;
-    }
-    throw CQmInvalidValueException(FormatString("Invalid value [%s] for the enumeration StatusType", t));
-}
+int StatusTypeFromString(const char* text) { return EnumerationFromString(text, kStatusTexts, "StatusType"); }
 
 // ---------------------------------------------------------------- factory
 
 CSmartPtr<CXmlObjectBase> CreateObject(int classIndex, const char*) {
-    switch (classIndex) {
-        case ClassIndex_Orders: return new COrders();
-        case ClassIndex_OrderType: return new COrderType();
-        case ClassIndex_CustomerType: return new CCustomerType();
-        case ClassIndex_AddressType: return new CAddressType();
-        case ClassIndex_LineType: return new CLineType();
-        case ClassIndex_OrderTypeChoice: return new COrderTypeChoice();
-        case ClassIndex_CardType: return new CCardType();
-        case ClassIndex_InvoiceType: return new CInvoiceType();
-        default: return nullptr;
-    }
+    // In the order of ClassIndex.
+    return CreateByIndex<COrders, COrderType, CCustomerType, CAddressType, CLineType, COrderTypeChoice, CCardType,
+                         CInvoiceType>(classIndex);
 }
 
 // ---------------------------------------------------------------- AddressType
@@ -150,20 +56,11 @@ CElementInfo** CAddressType::s_elementInfo = new CElementInfo*[5]{
 CAttributeInfo** CAddressType::s_attributeInfo = new CAttributeInfo*[1]{nullptr};
 
 void CAddressType::Init() {
-    m_Street.clear();
-    m_City.clear();
-    m_Zip.clear();
-    m_Country.clear();
+    ClearValues(m_Street, m_City, m_Zip, m_Country);
 }
 
 void CAddressType::AccessProperty(int propertyIndex, bool read, QmVariant& value) {
-    switch (propertyIndex) {
-        case P_Street: AccessString(read, value, m_Street); break;
-        case P_City: AccessString(read, value, m_City); break;
-        case P_Zip: AccessString(read, value, m_Zip); break;
-        case P_Country: AccessString(read, value, m_Country); break;
-        default: ThrowUnknownProperty("CAddressType", propertyIndex);
-    }
+    AccessMembers("CAddressType", propertyIndex, read, value, m_Street, m_City, m_Zip, m_Country);
 }
 
 void CAddressType::SetZip(const std::string& value) {
@@ -195,28 +92,16 @@ CAttributeInfo** CCustomerType::s_attributeInfo = new CAttributeInfo*[2]{
     nullptr};
 
 void CCustomerType::Init() {
-    m_Name.clear();
-    m_Email.reset();
+    ClearValues(m_Name, m_Email);
     ResetMember(m_Address);
     m_customerId = 0;
 }
 
 void CCustomerType::AccessProperty(int propertyIndex, bool read, QmVariant& value) {
-    switch (propertyIndex) {
-        case P_Name: AccessString(read, value, m_Name); break;
-        case P_Email: AccessString(read, value, m_Email); break;
-        case P_Address: AccessObject(read, value, m_Address); break;
-        case P_customerId:
-            if (read) value.SetI8(m_customerId); else m_customerId = value.GetI8();
-            break;
-        default: ThrowUnknownProperty("CCustomerType", propertyIndex);
-    }
+    AccessMembers("CCustomerType", propertyIndex, read, value, m_Name, m_Email, m_Address, m_customerId);
 }
 
-const std::string& CCustomerType::GetEmail() const {
-    if (!m_Email) ThrowUnset("Email");
-    return *m_Email;
-}
+const std::string& CCustomerType::GetEmail() const { return GetOptional(m_Email, "Email"); }
 
 void CCustomerType::SetEmail(const std::string& value) {
     CheckString("Email", value, kEmailType);
@@ -248,8 +133,7 @@ CAttributeInfo** CLineType::s_attributeInfo = new CAttributeInfo*[2]{
     new CAttributeInfoPrimitive("number", "", P_number, false, ItemType_i4, "", Collapse, kNoFacets, ""), nullptr};
 
 void CLineType::Init() {
-    m_Sku.clear();
-    m_Description.clear();
+    ClearValues(m_Sku, m_Description);
     m_Quantity = 1;
     m_UnitPrice = CDecimal();
     m_Discount.reset();
@@ -257,29 +141,8 @@ void CLineType::Init() {
 }
 
 void CLineType::AccessProperty(int propertyIndex, bool read, QmVariant& value) {
-    switch (propertyIndex) {
-        case P_Sku: AccessString(read, value, m_Sku); break;
-        case P_Description: AccessString(read, value, m_Description); break;
-        case P_Quantity:
-            if (read) value.SetI4(m_Quantity); else m_Quantity = value.GetI4();
-            break;
-        case P_UnitPrice:
-            if (read) value.SetDecimal(m_UnitPrice); else m_UnitPrice = value.TakeDecimal();
-            break;
-        case P_Discount:
-            if (read) {
-                if (m_Discount) value.SetR8(*m_Discount); else value.SetInvalid();
-            } else if (value.IsValid() && !value.IsNil()) {
-                m_Discount = value.GetR8();
-            } else {
-                m_Discount.reset();
-            }
-            break;
-        case P_number:
-            if (read) value.SetI4(m_number); else m_number = value.GetI4();
-            break;
-        default: ThrowUnknownProperty("CLineType", propertyIndex);
-    }
+    AccessMembers("CLineType", propertyIndex, read, value, m_Sku, m_Description, m_Quantity, m_UnitPrice,
+                  m_Discount, m_number);
 }
 
 void CLineType::SetSku(const std::string& value) {
@@ -288,16 +151,11 @@ void CLineType::SetSku(const std::string& value) {
 }
 
 void CLineType::SetQuantity(std::int32_t value) {
-    QmVariant v;
-    v.SetI4(value);
-    CPrimitiveRestrictions::CheckRestriction("Quantity", v, ItemType_i4, kQuantityType);
+    CheckNumber("Quantity", value, kQuantityType);
     m_Quantity = value;
 }
 
-double CLineType::GetDiscount() const {
-    if (!m_Discount) ThrowUnset("Discount");
-    return *m_Discount;
-}
+double CLineType::GetDiscount() const { return GetOptional(m_Discount, "Discount"); }
 
 bool CLineType::Equals(const CLineType& o) const {
     return m_Sku == o.m_Sku && m_Description == o.m_Description && m_Quantity == o.m_Quantity &&
@@ -316,18 +174,13 @@ CElementInfo** CCardType::s_elementInfo = new CElementInfo*[4]{
 CAttributeInfo** CCardType::s_attributeInfo = new CAttributeInfo*[1]{nullptr};
 
 void CCardType::Init() {
-    m_Holder.clear();
-    m_Number.clear();
+    ClearValues(m_Holder, m_Number);
     m_Expires = CDateTime(CDateTime::dt_gYearMonth);
 }
 
 void CCardType::AccessProperty(int propertyIndex, bool read, QmVariant& value) {
-    switch (propertyIndex) {
-        case P_Holder: AccessString(read, value, m_Holder); break;
-        case P_Number: AccessString(read, value, m_Number); break;
-        case P_Expires: AccessDateTime(read, value, m_Expires, ItemType_yearMonth); break;
-        default: ThrowUnknownProperty("CCardType", propertyIndex);
-    }
+    AccessMembers("CCardType", propertyIndex, read, value, m_Holder, m_Number,
+                  AsDateTime(m_Expires, ItemType_yearMonth));
 }
 
 void CCardType::SetNumber(const std::string& value) {
@@ -355,13 +208,8 @@ void CInvoiceType::Init() {
 }
 
 void CInvoiceType::AccessProperty(int propertyIndex, bool read, QmVariant& value) {
-    switch (propertyIndex) {
-        case P_DueDate: AccessDateTime(read, value, m_DueDate, ItemType_date); break;
-        case P_Reference:
-            if (read) value.SetHexBinary(m_Reference); else m_Reference = value.TakeHexBinary();
-            break;
-        default: ThrowUnknownProperty("CInvoiceType", propertyIndex);
-    }
+    AccessMembers("CInvoiceType", propertyIndex, read, value, AsDateTime(m_DueDate, ItemType_date),
+                  AsBinary(m_Reference, ItemType_hexBinary));
 }
 
 bool CInvoiceType::Equals(const CInvoiceType& o) const {
@@ -402,34 +250,9 @@ void COrderTypeChoice::AccessProperty(int propertyIndex, bool read, QmVariant& v
     }
 }
 
-void COrderTypeChoice::SetCard(CCardType* value) {
-    const CSmartPtr<CCardType> hold(value);  // a refused new object is freed
-    // Replacing the selected member, or clearing it, is always allowed.
-    if (m_selected != "Card" || value == nullptr) {
-        if (value || m_selected == "Card") Choice_SelectElement("Card", value, m_selected);
-    }
-    m_Card = value;
-}
+void COrderTypeChoice::SetCard(CCardType* value) { SetChoiceMember(m_Card, value, "Card", m_selected); }
 
-void COrderTypeChoice::SetInvoice(CInvoiceType* value) {
-    const CSmartPtr<CInvoiceType> hold(value);
-    if (m_selected != "Invoice" || value == nullptr) {
-        if (value || m_selected == "Invoice") Choice_SelectElement("Invoice", value, m_selected);
-    }
-    m_Invoice = value;
-}
-
-CXmlElement* COrderTypeChoice::FromXml_Int(CXmlElement* parent, CXmlElement* current,
-                                           const CXmlSerializationContext& ctx, bool isRoot) {
-    CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
-    if (m_selected.empty() && !ctx.GetIgnoreMissingChoice()) {
-        throw CQmValidationException(FormatString(
-            "No child elements within the element [%s] were populated. The element represents a choice, so one and "
-            "only one element should be populated. The element contained no sutable child elements",
-            parent->GetLocalName().c_str()));
-    }
-    return rest;
-}
+void COrderTypeChoice::SetInvoice(CInvoiceType* value) { SetChoiceMember(m_Invoice, value, "Invoice", m_selected); }
 
 bool COrderTypeChoice::Equals(const COrderTypeChoice& o) const {
     return m_selected == o.m_selected && SameObject(m_Card, o.m_Card) && SameObject(m_Invoice, o.m_Invoice);
@@ -458,7 +281,7 @@ void COrderType::Init() {
     ResetMember(m_Customer);
     m_OrderDate = CDateTime(CDateTime::dt_date);
     m_Status = StatusType_pending;
-    ResetCollection(m_Line, "Line", 1);
+    ResetCollection(m_Line, "Line", NS, 1, -1);
     ResetMember(m_Choice);
     m_Note.reset();
     m_id = 0;
@@ -466,29 +289,8 @@ void COrderType::Init() {
 }
 
 void COrderType::AccessProperty(int propertyIndex, bool read, QmVariant& value) {
-    switch (propertyIndex) {
-        case P_Customer: AccessObject(read, value, m_Customer); break;
-        case P_OrderDate: AccessDateTime(read, value, m_OrderDate, ItemType_date); break;
-        case P_Status:
-            if (read) value.SetI4(m_Status); else m_Status = static_cast<StatusType>(value.GetI4());
-            break;
-        case P_Line: AccessCollection(read, value, m_Line); break;
-        case P_Choice: AccessObject(read, value, m_Choice); break;
-        case P_Note: AccessString(read, value, m_Note); break;
-        case P_id:
-            if (read) value.SetUI4(m_id); else m_id = value.GetUI4();
-            break;
-        case P_priority:
-            if (read) {
-                if (m_priority) value.SetBoolean(*m_priority); else value.SetInvalid();
-            } else if (value.IsValid() && !value.IsNil()) {
-                m_priority = value.GetBoolean();
-            } else {
-                m_priority.reset();
-            }
-            break;
-        default: ThrowUnknownProperty("COrderType", propertyIndex);
-    }
+    AccessMembers("COrderType", propertyIndex, read, value, m_Customer, AsDateTime(m_OrderDate, ItemType_date),
+                  m_Status, m_Line, m_Choice, m_Note, m_id, m_priority);
 }
 
 void COrderType::SetCustomer(CCustomerType* value) {
@@ -501,10 +303,7 @@ void COrderType::SetStatus(StatusType value) {
     m_Status = value;
 }
 
-const std::string& COrderType::GetNote() const {
-    if (!m_Note) ThrowUnset("Note");
-    return *m_Note;
-}
+const std::string& COrderType::GetNote() const { return GetOptional(m_Note, "Note"); }
 
 bool COrderType::Equals(const COrderType& o) const {
     return SameObject(m_Customer, o.m_Customer) && SameDateTime(m_OrderDate, o.m_OrderDate) &&
@@ -524,24 +323,16 @@ CAttributeInfo** COrders::s_attributeInfo = new CAttributeInfo*[3]{
     nullptr};
 
 void COrders::Init() {
-    ResetCollection(m_Order, "Order", 0);
+    ResetCollection(m_Order, "Order", NS, 0, -1);
     m_generated = CDateTime(CDateTime::dt_dateTime);
     m_source.reset();
 }
 
 void COrders::AccessProperty(int propertyIndex, bool read, QmVariant& value) {
-    switch (propertyIndex) {
-        case P_Order: AccessCollection(read, value, m_Order); break;
-        case P_generated: AccessDateTime(read, value, m_generated, ItemType_datetime); break;
-        case P_source: AccessString(read, value, m_source); break;
-        default: ThrowUnknownProperty("COrders", propertyIndex);
-    }
+    AccessMembers("COrders", propertyIndex, read, value, m_Order, AsDateTime(m_generated, ItemType_datetime), m_source);
 }
 
-const std::string& COrders::GetSource() const {
-    if (!m_source) ThrowUnset("source");
-    return *m_source;
-}
+const std::string& COrders::GetSource() const { return GetOptional(m_source, "source"); }
 
 bool COrders::Equals(const COrders& o) const {
     return SameCollection(m_Order, o.m_Order) && SameDateTime(m_generated, o.m_generated) && m_source == o.m_source;
@@ -550,19 +341,8 @@ bool COrders::Equals(const COrders& o) const {
 // ---------------------------------------------------------------- cleanup
 
 void CleanMetaData() {
-    CXmlGeneratedClass::CleanMetaData(COrders::s_classInfo, COrders::s_elementInfo, COrders::s_attributeInfo);
-    CXmlGeneratedClass::CleanMetaData(COrderType::s_classInfo, COrderType::s_elementInfo,
-                                      COrderType::s_attributeInfo);
-    CXmlGeneratedClass::CleanMetaData(COrderTypeChoice::s_classInfo, COrderTypeChoice::s_elementInfo,
-                                      COrderTypeChoice::s_attributeInfo);
-    CXmlGeneratedClass::CleanMetaData(CCustomerType::s_classInfo, CCustomerType::s_elementInfo,
-                                      CCustomerType::s_attributeInfo);
-    CXmlGeneratedClass::CleanMetaData(CAddressType::s_classInfo, CAddressType::s_elementInfo,
-                                      CAddressType::s_attributeInfo);
-    CXmlGeneratedClass::CleanMetaData(CLineType::s_classInfo, CLineType::s_elementInfo, CLineType::s_attributeInfo);
-    CXmlGeneratedClass::CleanMetaData(CCardType::s_classInfo, CCardType::s_elementInfo, CCardType::s_attributeInfo);
-    CXmlGeneratedClass::CleanMetaData(CInvoiceType::s_classInfo, CInvoiceType::s_elementInfo,
-                                      CInvoiceType::s_attributeInfo);
+    CleanClassMetaData<COrders, COrderType, COrderTypeChoice, CCustomerType, CAddressType, CLineType, CCardType,
+                       CInvoiceType>();
 }
 
 }  // namespace orders

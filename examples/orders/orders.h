@@ -252,8 +252,9 @@ private:
 
 // The anonymous <xs:choice> Card | Invoice of OrderType, inlined among the
 // order's children. Setting one member while the other is set throws
-// CQmInvalidStateException; set the current one to null first.
-class COrderTypeChoice : public CXmlGeneratedClass {
+// CQmInvalidStateException; set the current one to null first. The choice is
+// mandatory in OrderType, so reading reports it empty, as writing would.
+class COrderTypeChoice : public QmXmlLib10::Generated::CMandatoryInlineChoice {
 public:
     enum Property { P_Card, P_Invoice };
 
@@ -265,7 +266,7 @@ public:
     CAttributeInfo** GetClassAttributeInfo() const override { return s_attributeInfo; }
 
     // "Card", "Invoice" or "" when neither is set.
-    const std::string& GetChoiceSelectedElement() const { return m_selected; }
+    const std::string& GetChoiceSelectedElement() const override { return m_selected; }
     CCardType* GetCard() const { return m_Card; }
     void SetCard(CCardType* value);
     CInvoiceType* GetInvoice() const { return m_Invoice; }
@@ -276,12 +277,6 @@ public:
     static CParentElementInfo* s_classInfo;
     static CElementInfo** s_elementInfo;
     static CAttributeInfo** s_attributeInfo;
-
-protected:
-    // The choice is mandatory in OrderType, but the library does not report
-    // an empty inlined choice when reading: this does, as writing would.
-    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current,
-                             const QmXmlLib10::CXmlSerializationContext& ctx, bool isRoot) override;
 
 private:
     CSmartPtr<CCardType> m_Card;

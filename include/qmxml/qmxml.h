@@ -4,6 +4,7 @@
 #include "qmxml/core/enums.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/generated_class.h"
+#include "qmxml/core/generated_support.h"
 #include "qmxml/core/instance_monitor.h"
 #include "qmxml/core/object_base.h"
 #include "qmxml/core/serialization_context.h"

@@ -110,6 +110,17 @@ CExpatReader::CExpatReader(CXmlDocument& document, bool namespaces, bool keepCDA
     XML_SetCharacterDataHandler(m_parser, &OnCharacterData);
     if (namespaces) XML_SetStartNamespaceDeclHandler(m_parser, &OnStartNamespace);
     if (keepCDATA) XML_SetCdataSectionHandler(m_parser, &OnStartCData, &OnEndCData);
+    XML_SetXmlDeclHandler(m_parser, &OnXmlDeclaration);
+}
+
+// Called once, before the first element: costs nothing per node.
+void XMLCALL CExpatReader::OnXmlDeclaration(void* self, const XML_Char*, const XML_Char* encoding, int) {
+    auto* reader = static_cast<CExpatReader*>(self);
+    try {
+        CXmlDocumentLoading::SetDeclaredEncoding(reader->m_document, encoding);
+    } catch (...) {
+        reader->Fail();
+    }
 }
 
 CExpatReader::~CExpatReader() { XML_ParserFree(m_parser); }

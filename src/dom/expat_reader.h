@@ -111,6 +111,8 @@ private:
     static void XMLCALL OnStartCData(void* self);
     static void XMLCALL OnEndCData(void* self);
     static void XMLCALL OnStartNamespace(void* self, const XML_Char* prefix, const XML_Char* uri);
+    static void XMLCALL OnXmlDeclaration(void* self, const XML_Char* version, const XML_Char* encoding,
+                                         int standalone);
 
     void StartElement(const char* name, const char** attributes);
     void EndElement();

@@ -99,6 +99,18 @@ bool Inflate(const unsigned char* data, std::size_t length, Framing framing, std
 
 }  // namespace
 
+// -------------------------------------------------------- CXmlDetectedFormat
+
+std::string CXmlDetectedFormat::Describe() const {
+    const char* content = format == XmlInputFormat_Text          ? "XML text"
+                          : format == XmlInputFormat_FastInfoset ? "Fast Infoset"
+                                                                 : "";
+    if (*content == 0) return std::string();
+    if (compression == CompressionType_GZip) return std::string("gzip-compressed ") + content;
+    if (compression == CompressionType_ZLib) return std::string("zlib-compressed ") + content;
+    return content;
+}
+
 // --------------------------------------------------------- CXmlDocumentLoading
 
 void CXmlDocumentLoading::SetFastInfosetLoader(FastInfosetLoader loader) noexcept {
@@ -130,6 +142,7 @@ void CXmlDocument::Cleanup() {
     CXmlTreeBuilder::Clear(*this);
     m_namespaces.clear();
     m_fastInfosetStatistics.reset();
+    m_detectedFormat = CXmlDetectedFormat();
 }
 
 void CXmlDocument::SetMaxInflateRatio(std::uint32_t ratio) noexcept { g_maxInflateRatio = ratio; }
@@ -146,7 +159,17 @@ const std::string& CXmlDocument::LookupNamespaceFromAlias(const char* prefix) co
     return found != m_namespaces.end() ? found->second : CXmlNameTable::EmptyString();
 }
 
+void CXmlDocument::DetectText(const unsigned char* data, std::size_t length) {
+    m_detectedFormat.format = XmlInputFormat_Text;
+    // Expat's own order: a byte-order mark, then "<" as UTF-16 (either byte
+    // order); anything else is UTF-8 until a declaration says otherwise.
+    const bool utf16 = length >= 2 && ((data[0] == 0xfe && data[1] == 0xff) || (data[0] == 0xff && data[1] == 0xfe) ||
+                                       (data[0] == 0 && data[1] == '<') || (data[0] == '<' && data[1] == 0));
+    m_detectedFormat.encoding = utf16 ? "UTF-16" : "UTF-8";
+}
+
 void CXmlDocument::ParseText(const unsigned char* data, std::size_t length) {
+    DetectText(data, length);
     CExpatReader reader(*this, m_schemaType != SchemaType_NoNamespaces, !m_context->GetStripCDATA());
     reader.ParseAll(reinterpret_cast<const char*>(data), length);
 }
@@ -154,11 +177,28 @@ void CXmlDocument::ParseText(const unsigned char* data, std::size_t length) {
 void CXmlDocument::LoadDetected(const unsigned char* data, std::size_t length) {
     std::vector<unsigned char> inflated;
     const Framing framing = DetectFraming(data, length);
-    if (framing != Framing::None && Inflate(data, length, framing, inflated)) {
-        data = inflated.data();
-        length = inflated.size();
+    if (framing != Framing::None) {
+        // Recorded before inflating, so that corrupt compressed input is still reported as compressed.
+        m_detectedFormat.compression = framing == Framing::Gzip ? CompressionType_GZip : CompressionType_ZLib;
+        if (Inflate(data, length, framing, inflated)) {
+            data = inflated.data();
+            length = inflated.size();
+        } else {
+            m_detectedFormat.compression = CompressionType_None;
+        }
     }
-    if (g_fastInfosetLoader(*this, data, static_cast<std::uint32_t>(length), *m_context)) return;
+    bool fastInfoset;
+    try {
+        fastInfoset = g_fastInfosetLoader(*this, data, static_cast<std::uint32_t>(length), *m_context);
+    } catch (...) {
+        // The reader only throws for input it took as Fast Infoset.
+        m_detectedFormat.format = XmlInputFormat_FastInfoset;
+        throw;
+    }
+    if (fastInfoset) {
+        m_detectedFormat.format = XmlInputFormat_FastInfoset;
+        return;
+    }
     ParseText(data, length);
 }
 
@@ -221,6 +261,7 @@ void CXmlDocument::LoadFileInChunks(const char* fileName) {
         total += got;
         // Expat reports an empty input as a parse error; an empty file is refused plainly.
         if (total == 0) throw CQmException("Invalid or empty XML document");
+        if (total == got) DetectText(chunk.get(), got);
         // A short chunk is the last; after a full one, the final call may be empty.
         const bool last = got < kFileChunk;
         reader.Parse(reinterpret_cast<const char*>(chunk.get()), got, last);

@@ -47,6 +47,10 @@ public:
     static void SetFastInfosetStatistics(CXmlDocument& document, const CFastInfosetStatistics& statistics) {
         document.m_fastInfosetStatistics = std::make_unique<CFastInfosetStatistics>(statistics);
     }
+    // The encoding an XML declaration names (Expat's XmlDecl handler).
+    static void SetDeclaredEncoding(CXmlDocument& document, const char* encoding) {
+        if (encoding != nullptr && *encoding != 0) document.m_detectedFormat.encoding = encoding;
+    }
     // The schema type read from the context when the document was constructed.
     static int GetSchemaType(const CXmlDocument& document) noexcept { return document.m_schemaType; }
 };

@@ -4,6 +4,7 @@
 
 #include <qmxml/collections/class_collection.h>
 #include <qmxml/core/generated_class.h>
+#include <qmxml/core/generated_support.h>
 #include <qmxml/metadata/attribute_info.h>
 #include <qmxml/metadata/element_infos.h>
 #include <qmxml/metadata/parent_element_info.h>
@@ -24,7 +25,7 @@ constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
 // ------------------------------------------------------------ property helpers
 
-// A simple member that may be unset or nil.
+// A simple member that may be unset or nil: the value and its nil flag.
 template <class T>
 struct Value {
     std::optional<T> value;
@@ -35,29 +36,20 @@ struct Value {
     }
 };
 
-template <class T, class Set, class Get>
-void AccessValue(bool read, QmVariant& v, Value<T>& m, Set set, Get get) {
-    if (read) {
-        if (m.nil) v.SetNil(); else if (m.value) (v.*set)(*m.value); else v.SetInvalid();
-    } else {
-        m.nil = v.IsNil();
-        if (v.IsValid() && !v.IsNil()) m.value = (v.*get)(); else m.value.reset();
-    }
-}
-inline void AccessString(bool read, QmVariant& v, Value<std::string>& m) {
-    AccessValue(read, v, m, &QmVariant::SetString, &QmVariant::GetString);
-}
-inline void AccessInt(bool read, QmVariant& v, Value<std::int32_t>& m) {
-    AccessValue(read, v, m, &QmVariant::SetI4, &QmVariant::GetI4);
-}
+// Unset and not nil (found by ClearValues).
 template <class T>
-void AccessObject(bool read, QmVariant& v, CSmartPtr<T>& field) {
-    if (read) v.SetXmlObject(field); else field = dynamic_cast<T*>(v.GetXmlObject().Get());
+void ClearValue(Value<T>& m) {
+    m.Reset();
 }
+
+// Read and stored as a nillable optional member (found by AccessMembers).
 template <class T>
-void AccessCollection(bool read, QmVariant& v, CSmartPtr<T>& field) {
-    if (read) v.SetXmlCollection(field); else field = dynamic_cast<T*>(v.GetXmlCollection().Get());
+void AccessMember(bool read, QmVariant& v, Value<T>& m) {
+    Generated::AccessMember(read, v, Generated::AsNillable(m.value, m.nil));
 }
+using Generated::AccessCollection;
+using Generated::AccessMembers;
+using Generated::AccessObject;
 
 #define FOCUS_METADATA()                                                                   \
     CParentElementInfo* GetClassInfo() const override { return s_parent; }                 \
@@ -83,13 +75,9 @@ inline CAttributeInfo* IntAttribute(const char* name, int index, bool optional) 
 // ------------------------------------------------------------ enumerations
 
 enum Level { Level_Low = 0, Level_High = 1 };
-inline const char* LevelToString(int v) { return v == Level_Low ? "low" : v == Level_High ? "high" : nullptr; }
-inline int LevelFromString(const char* s) {
-    const std::string text = s;
-    if (text == "low") return Level_Low;
-    if (text == "high") return Level_High;
-    throw CQmInvalidValueException(FormatString("Invalid Level [%s]", s));
-}
+inline const char* const kLevelTexts[] = {"low", "high"};
+inline const char* LevelToString(int v) { return Generated::EnumerationToString(v, kLevelTexts, "Level"); }
+inline int LevelFromString(const char* s) { return Generated::EnumerationFromString(s, kLevelTexts, "Level"); }
 
 enum ClassIndex { Class_Courier, Class_Pickup, Class_Dog, Class_Legend, Class_Size, Class_Fill, Class_Basket };
 CSmartPtr<CXmlObjectBase> CreateObject(int classIndex, const char* elementName);
@@ -106,23 +94,11 @@ public:
 
     Person() { Init(); }
     void Init() override {
-        name.Reset();
-        email.Reset();
-        age.Reset();
-        role.Reset();
-        level.Reset();
+        Generated::ClearValues(name, email, age, role, level);
         nicks = new CstringCol("Nick", NS, 0, 2);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        switch (index) {
-            case P_Name: AccessString(read, v, name); break;
-            case P_Age: AccessInt(read, v, age); break;
-            case P_Email: AccessString(read, v, email); break;
-            case P_Role: AccessInt(read, v, role); break;
-            case P_Nicks: AccessCollection(read, v, nicks); break;
-            case P_Level: AccessInt(read, v, level); break;
-            default: throw CQmInvalidParamException("Unknown property");
-        }
+        AccessMembers("Person", index, read, v, name, age, email, role, nicks, level);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_All, "Person");
@@ -143,7 +119,9 @@ public:
     Value<std::string> company;
     Courier() { Init(); }
     void Init() override { company.Reset(); }
-    void AccessProperty(int, bool read, QmVariant& v) override { AccessString(read, v, company); }
+    void AccessProperty(int index, bool read, QmVariant& v) override {
+        AccessMembers("Courier", index, read, v, company);
+    }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Courier");
     inline static CElementInfo** s_elements = new CElementInfo*[2]{String("Company", 0, true), nullptr};
@@ -155,7 +133,9 @@ public:
     Value<std::string> store;
     Pickup() { Init(); }
     void Init() override { store.Reset(); }
-    void AccessProperty(int, bool read, QmVariant& v) override { AccessString(read, v, store); }
+    void AccessProperty(int index, bool read, QmVariant& v) override {
+        AccessMembers("Pickup", index, read, v, store);
+    }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Pickup");
     inline static CElementInfo** s_elements = new CElementInfo*[2]{String("Store", 0, true), nullptr};
@@ -192,7 +172,7 @@ public:
                 if (!read) Choice_SelectElement("Pickup", pickup, selected);
                 break;
             case P_Drones: AccessCollection(read, v, drones); break;
-            default: throw CQmInvalidParamException("Unknown property");
+            default: Generated::ThrowUnknownProperty("Shipping", index);
         }
     }
     FOCUS_METADATA()
@@ -215,7 +195,9 @@ public:
     Dog() { Init(); }
     void Init() override { name.Reset(); }
     std::string GetTypeName() const override { return "DogType"; }
-    void AccessProperty(int, bool read, QmVariant& v) override { AccessString(read, v, name); }
+    void AccessProperty(int index, bool read, QmVariant& v) override {
+        AccessMembers("Dog", index, read, v, name);
+    }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Dog");
     inline static CElementInfo** s_elements = new CElementInfo*[1]{nullptr};
@@ -234,7 +216,9 @@ public:
     Cat() { Init(); }
     void Init() override { lives.Reset(); }
     std::string GetTypeName() const override { return "CatType"; }
-    void AccessProperty(int, bool read, QmVariant& v) override { AccessInt(read, v, lives); }
+    void AccessProperty(int index, bool read, QmVariant& v) override {
+        AccessMembers("Cat", index, read, v, lives);
+    }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Cat");
     inline static CElementInfo** s_elements = new CElementInfo*[2]{
@@ -245,19 +229,8 @@ public:
 // The generated factory of the schema's classes.
 class ZooFactory : public CClassfactoryBase {
 public:
-    // By the element's name within the substitution group, or on the head
-    // element by its xsi:type.
-    static CSmartPtr<CXmlObjectBase> CreateAnimal(CXmlElement* element) {
-        std::string name = element->GetLocalName();
-        if (name == "Animal" && HasTypeAttribute(element)) {
-            name = GetTypeLocalName(element);
-            if (name.size() > 4) name.resize(name.size() - 4);  // "DogType" -> "Dog"
-        }
-        if (name == "Dog") return new Dog();
-        if (name == "Cat") return new Cat();
-        if (name == "Puppy") return new Puppy();
-        return nullptr;
-    }
+    // By the element's name within the substitution group, or by its xsi:type.
+    static CSmartPtr<CXmlObjectBase> CreateAnimal(CXmlElement* element);
 };
 
 using AnimalCol = CXmlAbstractClassCollection<Animal>;
@@ -276,12 +249,7 @@ public:
         others = new AnimalCol("Animal", NS, ZooFactory::CreateAnimal, 0, 3);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        switch (index) {
-            case P_Star: AccessObject(read, v, star); break;
-            case P_Pet: AccessObject(read, v, pet); break;
-            case P_Others: AccessCollection(read, v, others); break;
-            default: throw CQmInvalidParamException("Unknown property");
-        }
+        AccessMembers("Zoo", index, read, v, star, pet, others);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Zoo");
@@ -312,18 +280,11 @@ public:
     Wild() { Init(); }
     void Init() override {
         any = nullptr;
-        tail.Reset();
-        id.Reset();
+        Generated::ClearValues(tail, id);
         attributes = new CAttributeCol("", R, NS);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        switch (index) {
-            case P_Any: AccessObject(read, v, any); break;
-            case P_Tail: AccessString(read, v, tail); break;
-            case P_Id: AccessInt(read, v, id); break;
-            case P_Attributes: AccessCollection(read, v, attributes); break;
-            default: throw CQmInvalidParamException("Unknown property");
-        }
+        AccessMembers("Wild", index, read, v, any, tail, id, attributes);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Wild");
@@ -347,12 +308,7 @@ public:
         end.Reset();
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        switch (index) {
-            case P_Head: AccessObject(read, v, head); break;
-            case P_Items: AccessCollection(read, v, items); break;
-            case P_End: AccessString(read, v, end); break;
-            default: throw CQmInvalidParamException("Unknown property");
-        }
+        AccessMembers("Bag", index, read, v, head, items, end);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Bag");
@@ -370,10 +326,11 @@ public:
     Value<std::string> text, pos;
     Legend() { Init(); }
     void Init() override {
-        text.Reset();
-        pos.Reset();
+        Generated::ClearValues(text, pos);
     }
-    void AccessProperty(int index, bool read, QmVariant& v) override { AccessString(read, v, index == 0 ? text : pos); }
+    void AccessProperty(int index, bool read, QmVariant& v) override {
+        AccessMembers("Legend", index, read, v, text, pos);
+    }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Legend");
     inline static CElementInfo** s_elements = new CElementInfo*[2]{String("Text", 0, false), nullptr};
@@ -391,25 +348,14 @@ public:
     CSmartPtr<CElement> raw;
     Chart() { Init(); }
     void Init() override {
-        count.Reset();
-        mode.Reset();
-        label.Reset();
+        Generated::ClearValues(count, mode, label);
         legend = new Legend();
         axis = new Legend();
         note = nullptr;
         raw = nullptr;
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        switch (index) {
-            case P_Count: AccessInt(read, v, count); break;
-            case P_Label: AccessString(read, v, label); break;
-            case P_Mode: AccessInt(read, v, mode); break;
-            case P_Legend: AccessObject(read, v, legend); break;
-            case P_Axis: AccessObject(read, v, axis); break;
-            case P_Note: AccessObject(read, v, note); break;
-            case P_Raw: AccessObject(read, v, raw); break;
-            default: throw CQmInvalidParamException("Unknown property");
-        }
+        AccessMembers("Chart", index, read, v, count, label, mode, legend, axis, note, raw);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Chart");
@@ -433,12 +379,10 @@ public:
     Value<std::string> unit;
     Size() { Init(); }
     void Init() override {
-        width.Reset();
-        height.Reset();
-        unit.Reset();
+        Generated::ClearValues(width, height, unit);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        if (index == 2) AccessString(read, v, unit); else AccessInt(read, v, index == 0 ? width : height);
+        AccessMembers("Size", index, read, v, width, height, unit);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent =
@@ -456,12 +400,10 @@ public:
     Value<std::int32_t> opacity;
     Fill() { Init(); }
     void Init() override {
-        color.Reset();
-        image.Reset();
-        opacity.Reset();
+        Generated::ClearValues(color, image, opacity);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        if (index == 2) AccessInt(read, v, opacity); else AccessString(read, v, index == 0 ? color : image);
+        AccessMembers("Fill", index, read, v, color, image, opacity);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Choice, "Fill", XmlElementType_InlineChoice);
@@ -481,21 +423,13 @@ public:
     Value<std::int32_t> id;
     Window() { Init(); }
     void Init() override {
-        title.Reset();
-        footer.Reset();
+        Generated::ClearValues(title, footer);
         size = new Size();
         fill = nullptr;
         id.Reset();
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        switch (index) {
-            case P_Title: AccessString(read, v, title); break;
-            case P_Size: AccessObject(read, v, size); break;
-            case P_Fill: AccessObject(read, v, fill); break;
-            case P_Footer: AccessString(read, v, footer); break;
-            case P_Id: AccessInt(read, v, id); break;
-            default: throw CQmInvalidParamException("Unknown property");
-        }
+        AccessMembers("Window", index, read, v, title, size, fill, footer, id);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Window");
@@ -515,10 +449,11 @@ public:
     Value<std::string> name, origin;
     Fruit() { Init(); }
     void Init() override {
-        name.Reset();
-        origin.Reset();
+        Generated::ClearValues(name, origin);
     }
-    void AccessProperty(int index, bool read, QmVariant& v) override { AccessString(read, v, index == 0 ? name : origin); }
+    void AccessProperty(int index, bool read, QmVariant& v) override {
+        AccessMembers("Fruit", index, read, v, name, origin);
+    }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Fruit");
     inline static CElementInfo** s_elements = new CElementInfo*[3]{
@@ -542,7 +477,7 @@ public:
         labels = new CstringCol("Label", NS, 0, 1);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        if (index == 0) AccessCollection(read, v, fruits); else AccessCollection(read, v, labels);
+        AccessMembers("Basket", index, read, v, fruits, labels);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Basket");
@@ -558,7 +493,9 @@ public:
     CSmartPtr<Basket> basket;
     Market() { Init(); }
     void Init() override { basket = new Basket(); }
-    void AccessProperty(int, bool read, QmVariant& v) override { AccessObject(read, v, basket); }
+    void AccessProperty(int index, bool read, QmVariant& v) override {
+        AccessMembers("Market", index, read, v, basket);
+    }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Market");
     inline static CElementInfo** s_elements = new CElementInfo*[2]{
@@ -576,12 +513,10 @@ public:
     Value<std::string> by;
     Reading() { Init(); }
     void Init() override {
-        value.Reset();
-        unit.Reset();
-        by.Reset();
+        Generated::ClearValues(value, unit, by);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        if (index == P_By) AccessString(read, v, by); else AccessInt(read, v, index == P_Value ? value : unit);
+        AccessMembers("Reading", index, read, v, value, unit, by);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = new CParentElementInfo(
@@ -602,14 +537,11 @@ public:
     CSmartPtr<CstringCol> lines;
     Memo() { Init(); }
     void Init() override {
-        body.Reset();
-        lang.Reset();
+        Generated::ClearValues(body, lang);
         lines = new CstringCol("x:Line", "");
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        if (index == 0) AccessString(read, v, body);
-        else if (index == 1) AccessCollection(read, v, lines);
-        else AccessString(read, v, lang);
+        AccessMembers("Memo", index, read, v, body, lines, lang);
     }
     FOCUS_METADATA()
     inline static CParentElementInfo* s_parent = Parent(XmlElementGroupType_Sequence, "Memo", XmlElementType_Element, "");
@@ -622,16 +554,17 @@ public:
 #undef FOCUS_METADATA
 
 inline CSmartPtr<CXmlObjectBase> CreateObject(int classIndex, const char*) {
-    switch (classIndex) {
-        case Class_Courier: return new Courier();
-        case Class_Pickup: return new Pickup();
-        case Class_Dog: return new Dog();
-        case Class_Legend: return new Legend();
-        case Class_Size: return new Size();
-        case Class_Fill: return new Fill();
-        case Class_Basket: return new Basket();
-        default: return nullptr;
-    }
+    // In the order of ClassIndex.
+    return Generated::CreateByIndex<Courier, Pickup, Dog, Legend, Size, Fill, Basket>(classIndex);
+}
+
+inline CSmartPtr<CXmlObjectBase> ZooFactory::CreateAnimal(CXmlElement* element) {
+    static const Generated::CClassByName kAnimals[] = {
+        {"Dog", "DogType", Generated::CreateNew<Dog>},
+        {"Cat", "CatType", Generated::CreateNew<Cat>},
+        {"Puppy", "PuppyType", Generated::CreateNew<Puppy>},
+    };
+    return Generated::CreateByElementOrType(element, kAnimals);
 }
 
 inline const std::string kXsi = " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"";

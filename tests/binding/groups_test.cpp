@@ -89,13 +89,13 @@ TEST(AllGroup, RequiredEnumeratedAttribute) {
     EXPECT_EQ(FailureOf([&] { person->FromXml(PersonDoc(body, " lvl=\"low\"").c_str()); }),
               kPerson + "Unexpected Attribute [lvl] found.");
     EXPECT_EQ(FailureOf([&] { person->FromXml(PersonDoc(body, " level=\"mid\"").c_str()); }),
-              kPerson + "Invalid Level [mid]");
+              kPerson + "Invalid value [mid] for the enumeration Level");
     // The text-to-enum function sees the collapsed value.
     person->FromXml(PersonDoc("<Name>N</Name><Role>\n  high </Role><Age>1</Age>", " level=\" low\t\"").c_str());
     EXPECT_EQ(person->level.value, Level_Low);
     EXPECT_EQ(person->role.value, Level_High);
     EXPECT_EQ(FailureOf([&] { person->FromXml(PersonDoc("<Name>N</Name><Role>hi gh</Role><Age>1</Age>").c_str()); }),
-              kPerson + "Invalid Level [hi gh]");
+              kPerson + "Invalid value [hi gh] for the enumeration Level");
 }
 
 TEST(ChoiceOfClasses, ExactlyOneNoneAndTwo) {

@@ -13,6 +13,8 @@
 #include "expect_throw.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
+#include "qmxml/collections/element.h"
+#include "qmxml/types/binary_data.h"
 #include "qmxml/core/settings.h"
 #include "qmxml/dom/xml_tree_builder.h"
 #include "same_tree.h"
@@ -56,15 +58,17 @@ std::size_t CountChildren(const CXmlElement* e) {
     return n;
 }
 
-// Restores the library-wide switches a test changes.
+// Restores the library-wide switches a test changes, the Fast Infoset reader
+// included (later tests load Fast Infoset through it).
 struct SettingsGuard {
+    FastInfosetLoader loader = CXmlDocumentLoading::GetFastInfosetLoader();
     ~SettingsGuard() {
         AsyncFromXmlFile(false);
         ASCIIOnly(false);
         SetLocalCharEncoding(65001);
         CXmlDocument::SetMaxInflateRatio(1000);
         CXmlDocument::SetMinInflateLimit(std::uint64_t{64} << 20);
-        CXmlDocumentLoading::SetFastInfosetLoader(nullptr);
+        CXmlDocumentLoading::SetFastInfosetLoader(loader);
     }
 };
 
@@ -570,4 +574,151 @@ TEST(XmlDocumentLoad, NodeMemoryOfAFreedDocumentServesTheNextLoad) {
     EXPECT_EQ(CXmlDocument::GetNodeCacheSize(), 0u);
     EXPECT_EQ(CXmlDocument::GetNodeCacheLimit(), 0u);
     CXmlDocument::SetNodeCacheLimit(std::size_t{128} << 20);
+}
+
+// ------------------------------------------------------------ detected format
+
+namespace {
+
+// Repetitive enough for the one-shot compression, which refuses data that does not shrink.
+std::string Sample() {
+    std::string xml = "<a xmlns='urn:a'>";
+    for (int i = 0; i < 20; ++i) xml += "<b k='v'>text</b>";
+    return xml + "</a>";
+}
+
+std::string AsString(const CBinaryData& data) {
+    return std::string(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
+}
+
+// The small document as Fast Infoset, written by the library's own writer.
+std::string FastInfoset(CompressionType compression) {
+    CSmartPtr<CElement> element = new CElement();
+    element->FromXml(Sample().c_str());
+    return AsString(element->ToFastInfosetStream(FInfoDecl_None, CXmlSerializationContext::m_defaultContext,
+                                                 compression));
+}
+
+std::string Utf16(const std::string& ascii, bool bigEndian, bool mark) {
+    std::string out;
+    if (mark) out += bigEndian ? "\xfe\xff" : "\xff\xfe";
+    for (char c : ascii) {
+        out += bigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+    }
+    return out;
+}
+
+struct FormatCase {
+    const char* name;
+    std::string (*input)();
+    XmlInputFormat format;
+    CompressionType compression;
+    const char* encoding;
+    const char* description;
+};
+
+void PrintTo(const FormatCase& c, std::ostream* os) { *os << c.name; }
+
+const FormatCase kFormatCases[] = {
+    {"PlainText", [] { return Sample(); }, XmlInputFormat_Text, CompressionType_None, "UTF-8",
+     "XML text"},
+    {"DeclaredEncoding",
+     [] { return std::string("<?xml version='1.0' encoding='ISO-8859-1'?><a>caf\xe9</a>"); },
+     XmlInputFormat_Text, CompressionType_None, "ISO-8859-1", "XML text"},
+    {"Utf16WithByteOrderMark", [] { return Utf16(Sample(), false, true); }, XmlInputFormat_Text, CompressionType_None,
+     "UTF-16", "XML text"},
+    {"Utf16BigEndianWithoutMark", [] { return Utf16(Sample(), true, false); }, XmlInputFormat_Text,
+     CompressionType_None, "UTF-16", "XML text"},
+    {"GzipText",
+     [] {
+         const auto bytes = Compress(Sample(), 31);
+         return std::string(bytes.begin(), bytes.end());
+     },
+     XmlInputFormat_Text, CompressionType_GZip, "UTF-8", "gzip-compressed XML text"},
+    {"ZlibText",
+     [] {
+         const auto bytes = Compress("<?xml version='1.0' encoding='UTF-8'?><a/>", 15);
+         return std::string(bytes.begin(), bytes.end());
+     },
+     XmlInputFormat_Text, CompressionType_ZLib, "UTF-8", "zlib-compressed XML text"},
+    {"FastInfoset", [] { return FastInfoset(CompressionType_None); }, XmlInputFormat_FastInfoset,
+     CompressionType_None, "", "Fast Infoset"},
+    {"GzipFastInfoset", [] { return FastInfoset(CompressionType_GZip); }, XmlInputFormat_FastInfoset,
+     CompressionType_GZip, "", "gzip-compressed Fast Infoset"},
+    {"ZlibFastInfoset", [] { return FastInfoset(CompressionType_ZLib); }, XmlInputFormat_FastInfoset,
+     CompressionType_ZLib, "", "zlib-compressed Fast Infoset"},
+};
+
+class DetectedFormat : public ::testing::TestWithParam<FormatCase> {};
+
+}  // namespace
+
+TEST_P(DetectedFormat, StreamAndFileLoadsReportWhatTheyRead) {
+    const FormatCase& c = GetParam();
+    const std::string input = c.input();
+    CXmlDocument stream;
+    LoadStream(stream, Bytes(input));
+    EXPECT_EQ(stream.GetDetectedFormat().format, c.format);
+    EXPECT_EQ(stream.GetDetectedFormat().compression, c.compression);
+    EXPECT_EQ(stream.GetDetectedFormat().encoding, c.encoding);
+    EXPECT_EQ(stream.GetDetectedFormat().Describe(), c.description);
+
+    TempDir dir;
+    CXmlDocument file;
+    file.Load(dir.Write("input", input).c_str());
+    EXPECT_EQ(file.GetDetectedFormat().Describe(), c.description);
+    EXPECT_EQ(file.GetDetectedFormat().encoding, c.encoding);
+}
+
+INSTANTIATE_TEST_SUITE_P(Inputs, DetectedFormat, ::testing::ValuesIn(kFormatCases),
+                         [](const ::testing::TestParamInfo<FormatCase>& info) { return std::string(info.param.name); });
+
+TEST(XmlDocumentDetectedFormat, StringsChunkedFilesAndReloads) {
+    SettingsGuard guard;
+    CXmlDocument doc;
+    EXPECT_EQ(doc.GetDetectedFormat().format, XmlInputFormat_None);
+    EXPECT_EQ(doc.GetDetectedFormat().Describe(), "");
+
+    doc.LoadXml("<?xml version='1.0' encoding='utf-8'?><a/>");
+    EXPECT_EQ(doc.GetDetectedFormat().Describe(), "XML text");
+    EXPECT_EQ(doc.GetDetectedFormat().encoding, "utf-8");  // as declared
+
+    const std::vector<unsigned short> units = {'<', 'a', '/', '>', 0};
+    doc.LoadXml(units.data());
+    EXPECT_EQ(doc.GetDetectedFormat().encoding, "UTF-16");
+
+    TempDir dir;
+    AsyncFromXmlFile(true);
+    doc.Load(dir.Write("chunked.xml", "<?xml version='1.0' encoding='US-ASCII'?><a/>").c_str());
+    EXPECT_EQ(doc.GetDetectedFormat().Describe(), "XML text");
+    EXPECT_EQ(doc.GetDetectedFormat().encoding, "US-ASCII");
+    AsyncFromXmlFile(false);
+
+    // A later load forgets what the earlier one found.
+    LoadStream(doc, Bytes(FastInfoset(CompressionType_GZip)));
+    EXPECT_EQ(doc.GetDetectedFormat().Describe(), "gzip-compressed Fast Infoset");
+    doc.LoadXml("<a/>");
+    EXPECT_EQ(doc.GetDetectedFormat().Describe(), "XML text");
+    EXPECT_EQ(doc.GetDetectedFormat().compression, CompressionType_None);
+}
+
+TEST(XmlDocumentDetectedFormat, FailedLoadsStillTellWhatTheInputWasReadAs) {
+    CXmlDocument doc;
+    // "x^" looks like a zlib header, but "F" starts a block of a type deflate
+    // does not have: parsed, and refused, as text.
+    EXPECT_EQ(StreamError(doc, Bytes("x^F<a/>")), "not well-formed (invalid token) at line 1");
+    EXPECT_EQ(doc.GetDetectedFormat().Describe(), "XML text");
+    EXPECT_EQ(doc.GetDetectedFormat().compression, CompressionType_None);
+    // A valid header and a cut deflate stream: compressed, content unknown.
+    EXPECT_EQ(StreamError(doc, Bytes("x^<a/>")), "The compressed data is truncated or corrupt");
+    EXPECT_EQ(doc.GetDetectedFormat().compression, CompressionType_ZLib);
+    EXPECT_EQ(doc.GetDetectedFormat().format, XmlInputFormat_None);
+
+    std::string broken = FastInfoset(CompressionType_None);
+    broken.resize(broken.size() / 2);
+    EXPECT_NE(StreamError(doc, Bytes(broken)), "<no exception>");
+    EXPECT_EQ(doc.GetDetectedFormat().format, XmlInputFormat_FastInfoset);
+
+    EXPECT_EQ(StreamError(doc, std::vector<unsigned char>()), "XML Stream is empty!");
+    EXPECT_EQ(doc.GetDetectedFormat().format, XmlInputFormat_None);
 }

@@ -4,6 +4,7 @@
 
 #include <qmxml/collections/class_collection.h>
 #include <qmxml/core/generated_class.h>
+#include <qmxml/core/generated_support.h>
 #include <qmxml/metadata/attribute_info.h>
 #include <qmxml/metadata/element_infos.h>
 #include <qmxml/metadata/parent_element_info.h>
@@ -20,42 +21,12 @@ using namespace QmXmlLib10Data;
 inline const char* const NS = "urn:t";
 inline const CPrimitiveRestrictions kNoFacets;
 
-// Helpers the generated property switches use.
-template <class T, class Set>
-void Access(bool read, QmVariant& v, std::optional<T>& field, Set set, T (QmVariant::*get)() const) {
-    if (read) {
-        if (field) (v.*set)(*field); else v.SetInvalid();
-    } else if (v.IsValid() && !v.IsNil()) {
-        field = (v.*get)();
-    } else {
-        field.reset();
-    }
-}
-template <class T>
-void AccessObject(bool read, QmVariant& v, CSmartPtr<T>& field) {
-    if (read) {
-        v.SetXmlObject(field);
-    } else {
-        field = dynamic_cast<T*>(v.GetXmlObject().Get());
-    }
-}
-template <class T>
-void AccessCollection(bool read, QmVariant& v, CSmartPtr<T>& field) {
-    if (read) {
-        v.SetXmlCollection(field);
-    } else {
-        field = dynamic_cast<T*>(v.GetXmlCollection().Get());
-    }
-}
+using namespace QmXmlLib10::Generated;
 
 enum Color { Color_Red = 0, Color_Green = 1 };
-inline const char* ColorToString(int v) { return v == Color_Red ? "red" : v == Color_Green ? "green" : nullptr; }
-inline int ColorFromString(const char* s) {
-    const std::string text = s;
-    if (text == "red") return Color_Red;
-    if (text == "green") return Color_Green;
-    throw CQmInvalidValueException(FormatString("Invalid Color [%s]", s));
-}
+inline const char* const kColorTexts[] = {"red", "green"};
+inline const char* ColorToString(int v) { return EnumerationToString(v, kColorTexts, "Color"); }
+inline int ColorFromString(const char* s) { return EnumerationFromString(s, kColorTexts, "Color"); }
 
 CSmartPtr<CXmlObjectBase> CreateObject(int classIndex, const char* elementName);
 CSmartPtr<CXmlObjectBase> CreateShape(CXmlElement* element);
@@ -77,33 +48,10 @@ public:
     Item() { Init(); }
     CXmlObjectBase* GetBase() override { return this; }
     void Init() override {
-        name.clear();
-        qty.reset();
-        note.reset();
-        noteNil = false;
-        color.reset();
-        id.reset();
-        kind.reset();
+        ClearValues(name, qty, note, noteNil, color, id, kind);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        switch (index) {
-            case P_Name:
-                if (read) v.SetString(name); else name = v.TakeString();
-                break;
-            case P_Qty: Access(read, v, qty, &QmVariant::SetI4, &QmVariant::GetI4); break;
-            case P_Note:
-                if (read) {
-                    if (noteNil) v.SetNil(); else if (note) v.SetString(*note); else v.SetInvalid();
-                } else {
-                    noteNil = v.IsNil();
-                    if (v.IsValid() && !v.IsNil()) note = v.TakeString(); else note.reset();
-                }
-                break;
-            case P_Color: Access(read, v, color, &QmVariant::SetI4, &QmVariant::GetI4); break;
-            case P_Id: Access(read, v, id, &QmVariant::SetI4, &QmVariant::GetI4); break;
-            case P_Kind: Access(read, v, kind, &QmVariant::SetI4, &QmVariant::GetI4); break;
-            default: throw CQmInvalidParamException("Unknown property");
-        }
+        AccessMembers("Item", index, read, v, name, qty, AsNillable(note, noteNil), color, id, kind);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
@@ -136,18 +84,10 @@ public:
     Address() { Init(); }
     CXmlObjectBase* GetBase() override { return this; }
     void Init() override {
-        street.reset();
-        city.reset();
-        zip.reset();
+        ClearValues(street, city, zip);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        std::optional<std::string>* fields[] = {&street, &city, &zip};
-        std::optional<std::string>& f = *fields[index];
-        if (read) {
-            if (f) v.SetString(*f); else v.SetInvalid();
-        } else {
-            f = v.TakeString();
-        }
+        AccessMembers("Address", index, read, v, street, city, zip);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
@@ -181,11 +121,7 @@ public:
         address = new Address();
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        if (index == P_Name) {
-            if (read) v.SetString(name); else name = v.TakeString();
-        } else {
-            AccessObject(read, v, address);
-        }
+        AccessMembers("Party", index, read, v, name, address);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
@@ -210,11 +146,10 @@ public:
     Range() { Init(); }
     CXmlObjectBase* GetBase() override { return this; }
     void Init() override {
-        low.reset();
-        high.reset();
+        ClearValues(low, high);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        Access(read, v, index == P_Low ? low : high, &QmVariant::SetI4, &QmVariant::GetI4);
+        AccessMembers("Range", index, read, v, low, high);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
@@ -243,22 +178,11 @@ public:
     Payment() { Init(); }
     CXmlObjectBase* GetBase() override { return this; }
     void Init() override {
-        card.reset();
-        cash.reset();
-        selected.clear();
+        ClearValues(card, cash, selected);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        if (index == P_Card) {
-            if (read) {
-                if (card) v.SetString(*card); else v.SetInvalid();
-            } else {
-                Choice_SetElementValid(true, "Card", selected);
-                card = v.TakeString();
-            }
-        } else {
-            if (!read) Choice_SetElementValid(true, "Cash", selected);
-            Access(read, v, cash, &QmVariant::SetI4, &QmVariant::GetI4);
-        }
+        if (!read) Choice_SetElementValid(true, index == P_Card ? "Card" : "Cash", selected);
+        if (index == P_Card) AccessString(read, v, card); else AccessNumber(read, v, cash);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
@@ -286,21 +210,10 @@ public:
     Price() { Init(); }
     CXmlObjectBase* GetBase() override { return this; }
     void Init() override {
-        value.reset();
-        currency.reset();
+        ClearValues(value, currency);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        if (index == P_Value) {
-            if (read) {
-                if (value) v.SetDecimal(*value); else v.SetInvalid();
-            } else {
-                value = v.TakeDecimal();
-            }
-        } else if (read) {
-            if (currency) v.SetString(*currency); else v.SetInvalid();
-        } else {
-            currency = v.TakeString();
-        }
+        AccessMembers("Price", index, read, v, value, currency);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
@@ -330,8 +243,8 @@ public:
     Circle() { Init(); }
     void Init() override { r.reset(); }
     std::string GetTypeName() const override { return "CircleType"; }
-    void AccessProperty(int, bool read, QmVariant& v) override {
-        Access(read, v, r, &QmVariant::SetI4, &QmVariant::GetI4);
+    void AccessProperty(int index, bool read, QmVariant& v) override {
+        AccessMembers("Circle", index, read, v, r);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
@@ -353,8 +266,8 @@ public:
     Square() { Init(); }
     void Init() override { side.reset(); }
     std::string GetTypeName() const override { return "SquareType"; }
-    void AccessProperty(int, bool read, QmVariant& v) override {
-        Access(read, v, side, &QmVariant::SetI4, &QmVariant::GetI4);
+    void AccessProperty(int index, bool read, QmVariant& v) override {
+        AccessMembers("Square", index, read, v, side);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
@@ -404,26 +317,8 @@ public:
         anyAttributes = new CAttributeCol("", "##other", NS);
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        switch (index) {
-            case P_Customer: AccessObject(read, v, customer); break;
-            case P_Items: AccessCollection(read, v, items); break;
-            case P_Tags: AccessCollection(read, v, tags); break;
-            case P_Range: AccessObject(read, v, range); break;
-            case P_Payment: AccessObject(read, v, payment); break;
-            case P_Price: AccessObject(read, v, price); break;
-            case P_Shape: AccessObject(read, v, shape); break;
-            case P_Shapes: AccessCollection(read, v, shapes); break;
-            case P_Any: AccessObject(read, v, any); break;
-            case P_Ref:
-                if (read) {
-                    if (ref) v.SetString(*ref); else v.SetInvalid();
-                } else {
-                    ref = v.TakeString();
-                }
-                break;
-            case P_AnyAttr: AccessCollection(read, v, anyAttributes); break;
-            default: throw CQmInvalidParamException("Unknown property");
-        }
+        AccessMembers("Order", index, read, v, customer, items, tags, range, payment, price, shape, shapes, any, ref,
+                      anyAttributes);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
@@ -449,24 +344,17 @@ public:
 };
 
 inline CSmartPtr<CXmlObjectBase> CreateObject(int classIndex, const char*) {
-    switch (classIndex) {
-        case Class_Item: return new Item();
-        case Class_Party: return new Party();
-        case Class_Address: return new Address();
-        case Class_Range: return new Range();
-        case Class_Payment: return new Payment();
-        case Class_Price: return new Price();
-        default: return nullptr;
-    }
+    // In the order of ClassIndex.
+    return CreateByIndex<Item, Party, Address, Range, Payment, Price>(classIndex);
 }
 
 // By element name (substitution group) or by xsi:type on the head element.
 inline CSmartPtr<CXmlObjectBase> CreateShape(CXmlElement* element) {
-    const std::string& name = element->GetLocalName();
-    const std::string type = CClassfactoryBase::GetTypeLocalName(element);
-    if (name == "Circle" || type == "CircleType") return new Circle();
-    if (name == "Square" || type == "SquareType") return new Square();
-    return nullptr;
+    static const CClassByName kShapes[] = {
+        {"Circle", "CircleType", CreateNew<Circle>},
+        {"Square", "SquareType", CreateNew<Square>},
+    };
+    return CreateByElementOrType(element, kShapes);
 }
 
 }  // namespace bound

@@ -30,13 +30,9 @@ public:
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
         if (index == 0) {
-            if (read) {
-                if (a) v.SetString(*a); else v.SetInvalid();
-            } else {
-                a = v.GetString();
-            }
+            AccessString(read, v, a);
         } else if (index == 1) {
-            Access(read, v, b, &QmVariant::SetI4, &QmVariant::GetI4);
+            AccessNumber(read, v, b);
         } else {
             AccessCollection(read, v, c);
         }

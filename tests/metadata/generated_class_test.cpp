@@ -171,7 +171,7 @@ TEST(GeneratedClass, FacetsNilAndValueErrors) {
     EXPECT_EQ(FailureOf([&] {
                   order->FromXml(Doc("<Item id=\"2\"><Name>n</Name><Color>blue</Color></Item>").c_str());
               }),
-              kWrap + item + "Invalid Color [blue]");
+              kWrap + item + "Invalid value [blue] for the enumeration Color");
 }
 
 TEST(GeneratedClass, ClassMembersNilAndThreeLevelFailure) {

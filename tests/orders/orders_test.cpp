@@ -65,7 +65,8 @@ TEST_P(RoundTrip, ReadsWritesAndReadsBackTheSameBook) {
     EXPECT_EQ(second.ToXml(), written);
 }
 
-INSTANTIATE_TEST_SUITE_P(Orders, RoundTrip, ::testing::Values(1, 100, 10000));
+INSTANTIATE_TEST_SUITE_P(Orders, RoundTrip, ::testing::Values(1, 100, 10000),
+                         [](const ::testing::TestParamInfo<int>& info) { return "Of" + std::to_string(info.param); });
 
 TEST_F(GeneratedBooks, GzipStreamRoundTripKeepsEveryValue) {
     COrders book;
@@ -118,6 +119,9 @@ struct Rule {
     const char* chain;        // GetFullMessage() of the rejection
     void (CXmlSerializationContext::*ignore)(bool);  // the switch that lets it pass, if any
 };
+
+// Test listings name the rule instead of dumping its bytes.
+void PrintTo(const Rule& rule, std::ostream* os) { *os << rule.name; }
 
 const char* const kOrder = "Failed to process the element [Orders]\n\nFailed to process the element [Order]\n\n";
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "qmxml/core/enums.h"
 #include "qmxml/core/instance_monitor.h"
 #include "qmxml/dom/xml_element.h"
 #include "qmxml/dom/xml_name_table.h"
@@ -17,6 +18,31 @@ namespace QmXmlLib10 {
 class CXmlNodePool;
 class CXmlSerializationContext;
 struct CFastInfosetStatistics;
+
+// What the loader took its input for.
+enum XmlInputFormat : int {
+    XmlInputFormat_None = 0,  // nothing loaded yet, or the input was refused before detection
+    XmlInputFormat_Text = 1,
+    XmlInputFormat_FastInfoset = 2,
+};
+
+// The format a load detected, for callers that report or keep it (a tool that
+// describes a file, a converter that writes back what it read).
+struct CXmlDetectedFormat {
+    XmlInputFormat format = XmlInputFormat_None;
+    // How the input was framed: gzip, zlib or none. Input whose first bytes
+    // only look like a zlib header is parsed as it is, and counts as none.
+    CompressionType compression = CompressionType_None;
+    // XML text: the encoding named by the declaration, else the one the
+    // byte-order mark or the first characters show ("UTF-16"), else "UTF-8",
+    // as Expat reads it. Empty for Fast Infoset, whose strings each say how
+    // they are encoded.
+    std::string encoding;
+
+    // "XML text", "Fast Infoset", "gzip-compressed XML text",
+    // "zlib-compressed Fast Infoset" and so on; "" when nothing was detected.
+    std::string Describe() const;
+};
 
 // Holds the document element and the name table its nodes point into.
 // Destroying the document destroys the tree; pointers to nodes and interned
@@ -82,6 +108,10 @@ public:
     // Fast Infoset or failed. Valid until the next load.
     const CFastInfosetStatistics* GetFastInfosetStatistics() const noexcept { return m_fastInfosetStatistics.get(); }
     const CXmlSerializationContext& GetContext() const noexcept { return *m_context; }
+    // What the last load took its input for. Reset by every load, and recorded
+    // as soon as the format is known, so that after a failed parse it still
+    // tells what the input was read as.
+    const CXmlDetectedFormat& GetDetectedFormat() const noexcept { return m_detectedFormat; }
 
     // Guard against decompression bombs. Compressed input may inflate to at
     // most max(ratio * compressed size, GetMinInflateLimit()) bytes, and never
@@ -118,6 +148,9 @@ private:
 
     // Parses whole, uncompressed input (inflate and Fast Infoset already ruled out).
     void ParseText(const unsigned char* data, std::size_t length);
+    // Records XML text as the detected format, with the encoding its first
+    // bytes show until the declaration (if any) names one.
+    void DetectText(const unsigned char* data, std::size_t length);
     // Inflate, Fast Infoset, then text.
     void LoadDetected(const unsigned char* data, std::size_t length);
     void LoadFileInChunks(const char* fileName);
@@ -134,6 +167,7 @@ private:
     ElementFilter m_filter = nullptr;
     const CXmlSerializationContext* m_context;
     std::unique_ptr<CFastInfosetStatistics> m_fastInfosetStatistics;
+    CXmlDetectedFormat m_detectedFormat;
 };
 
 }  // namespace QmXmlLib10

@@ -1,0 +1,165 @@
+#include "qmxml/core/generated_support.h"
+
+#include <cstring>
+
+#include "qmxml/core/exception.h"
+#include "qmxml/core/serialization_context.h"
+#include "qmxml/dom/xml_element.h"
+
+namespace QmXmlLib10 {
+namespace Generated {
+
+void ThrowUnknownProperty(const char* className, int propertyIndex) {
+    throw CQmInvalidParamException(
+        FormatString("Unknown property index [%d] for the class [%s]", propertyIndex, className ? className : ""));
+}
+
+void ThrowNotSet(const char* member) {
+    throw CQmInvalidStateException(FormatString("The optional member [%s] is not set", member ? member : ""));
+}
+
+// ------------------------------------------------------------------ codecs
+
+namespace {
+
+[[noreturn]] void ThrowNotDateTime(ItemType type) {
+    throw CQmInvalidParamException(
+        FormatString("The item type [%d] is not a date or time held in a CDateTime", static_cast<int>(type)));
+}
+
+[[noreturn]] void ThrowNotBinary(ItemType type) {
+    throw CQmInvalidParamException(FormatString("The item type [%d] is not binary data", static_cast<int>(type)));
+}
+
+}  // namespace
+
+void Codec::DateTime::Put(QmVariant& v, const CDateTime& value) const {
+    switch (type) {
+        case ItemType_date: v.SetDate(value); break;
+        case ItemType_datetime: v.SetDateTime(value); break;
+        case ItemType_time: v.SetTime(value); break;
+        case ItemType_yearMonth: v.SetYearMonth(value); break;
+        case ItemType_monthDay: v.SetMonthDay(value); break;
+        default: ThrowNotDateTime(type);
+    }
+}
+
+CDateTime Codec::DateTime::Take(QmVariant& v) const {
+    switch (type) {
+        case ItemType_date: return v.GetDate();
+        case ItemType_datetime: return v.GetDateTime();
+        case ItemType_time: return v.GetTime();
+        case ItemType_yearMonth: return v.GetYearMonth();
+        case ItemType_monthDay: return v.GetMonthDay();
+        default: ThrowNotDateTime(type);
+    }
+}
+
+void Codec::Binary::Put(QmVariant& v, const CBinaryData& value) const {
+    if (type == ItemType_hexBinary) v.SetHexBinary(value);
+    else if (type == ItemType_base64Binary) v.SetBase64Binary(value);
+    else ThrowNotBinary(type);
+}
+
+CBinaryData Codec::Binary::Take(QmVariant& v) const {
+    if (type == ItemType_hexBinary) return v.TakeHexBinary();
+    if (type == ItemType_base64Binary) return v.TakeBase64Binary();
+    ThrowNotBinary(type);
+}
+
+// ------------------------------------------------------------------ equality
+
+bool SameDateTime(const CDateTime& a, const CDateTime& b) { return a.ToString() == b.ToString(); }
+
+bool SameDateTime(const std::optional<CDateTime>& a, const std::optional<CDateTime>& b) {
+    if (!a || !b) return !a && !b;
+    return SameDateTime(*a, *b);
+}
+
+// ------------------------------------------------------------------ setters
+
+void CheckString(const char* member, const std::string& text, const CPrimitiveRestrictions& facets, ItemType type) {
+    QmVariant value;
+    value.SetString(text);
+    CPrimitiveRestrictions::CheckRestriction(member, value, type, facets);
+}
+
+void CheckDecimal(const char* member, const CDecimal& value, const CPrimitiveRestrictions& facets) {
+    QmVariant v;
+    v.SetDecimal(value);
+    CPrimitiveRestrictions::CheckRestriction(member, v, ItemType_decimal, facets);
+}
+
+// ------------------------------------------------------------------ choices
+
+namespace {
+
+// Choice_SelectElement is protected: generated classes reach it as subclasses
+// of CXmlObjectBase, the free helpers through this one.
+struct ChoiceBookkeeping : CXmlObjectBase {
+    using CXmlObjectBase::Choice_SelectElement;
+};
+
+}  // namespace
+
+void SelectChoiceMember(const char* member, CXmlObjectBase* value, std::string& selected) {
+    // Replacing the selected member, or clearing it, is always allowed;
+    // clearing another one changes nothing.
+    if (selected == member && value != nullptr) return;
+    if (value != nullptr || selected == member) ChoiceBookkeeping::Choice_SelectElement(member, value, selected);
+}
+
+void CheckChoiceSelected(const std::string& selected, const CXmlElement* parent, const CXmlSerializationContext& ctx) {
+    if (!selected.empty() || ctx.GetIgnoreMissingChoice()) return;
+    throw CQmValidationException(FormatString(
+        "No child elements within the element [%s] were populated. The element represents a choice, so one and "
+        "only one element should be populated. The element contained no sutable child elements",
+        parent != nullptr ? parent->GetLocalName().c_str() : ""));
+}
+
+CXmlElement* CMandatoryInlineChoice::FromXml_Int(CXmlElement* parent, CXmlElement* current,
+                                                 const CXmlSerializationContext& ctx, bool isRoot) {
+    CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
+    CheckChoiceSelected(GetChoiceSelectedElement(), parent, ctx);
+    return rest;
+}
+
+// ------------------------------------------------------------------ enumerations
+
+const char* EnumerationToString(int value, const char* const* texts, int count, const char* enumName) {
+    if (value < 0 || value >= count) {
+        throw CQmInvalidValueException(
+            FormatString("Invalid value [%d] for the enumeration %s", value, enumName ? enumName : ""));
+    }
+    return texts[value];
+}
+
+int EnumerationFromString(const char* text, const char* const* texts, int count, const char* enumName) {
+    const char* t = text != nullptr ? text : "";
+    for (int i = 0; i < count; ++i) {
+        if (std::strcmp(t, texts[i]) == 0) return i;
+    }
+    throw CQmInvalidValueException(
+        FormatString("Invalid value [%s] for the enumeration %s", t, enumName ? enumName : ""));
+}
+
+// ------------------------------------------------------------------ factories
+
+CSmartPtr<CXmlObjectBase> CreateByElementOrType(const CXmlElement* element, const CClassByName* classes,
+                                                std::size_t count) {
+    if (element == nullptr) return nullptr;
+    if (CClassfactoryBase::HasTypeAttribute(element)) {
+        const std::string type = CClassfactoryBase::GetTypeLocalName(element);
+        for (std::size_t i = 0; i < count; ++i) {
+            if (classes[i].typeName != nullptr && type == classes[i].typeName) return classes[i].create();
+        }
+    }
+    const std::string& name = element->GetLocalName();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (classes[i].elementName != nullptr && name == classes[i].elementName) return classes[i].create();
+    }
+    return nullptr;
+}
+
+}  // namespace Generated
+}  // namespace QmXmlLib10
