@@ -108,7 +108,15 @@ INSTANTIATE_TEST_SUITE_P(
                     ClassCase{"i_digit", "\\i", "1", false}, ClassCase{"i_hyphen", "\\i", "-", false},
                     ClassCase{"i_dot", "\\i", ".", false}, ClassCase{"i_middleDot", "\\i", MIDDOT, false},
                     ClassCase{"i_combining", "\\i", ACUTE, false}, ClassCase{"i_times", "\\i", TIMES, false},
-                    ClassCase{"i_dollar", "\\i", "$", false}, ClassCase{"I_colon", "\\I", ":", false},
+                    ClassCase{"i_dollar", "\\i", "$", false},
+                    // Fifth edition names: a wide range from U+037F holds
+                    // digits of other scripts too; U+037E GREEK QUESTION MARK
+                    // is left out, U+2070 SUPERSCRIPT ZERO and U+0346 are in.
+                    ClassCase{"i_arabicDigit", "\\i", ARABIC3, true},
+                    ClassCase{"i_greekQuestionMark", "\\i", "\xCD\xBE", false},
+                    ClassCase{"i_superscriptZero", "\\i", "\xE2\x81\xB0", true},
+                    ClassCase{"c_combiningBridgeAbove", "\\c", "\xCD\x86", true},
+                    ClassCase{"I_colon", "\\I", ":", false},
                     ClassCase{"I_underscore", "\\I", "_", false}, ClassCase{"I_digit", "\\I", "1", true},
                     ClassCase{"I_combining", "\\I", ACUTE, true}, ClassCase{"c_hyphen", "\\c", "-", true},
                     ClassCase{"c_dot", "\\c", ".", true}, ClassCase{"c_digit", "\\c", "7", true},
