@@ -27,6 +27,11 @@ void CXmlTypeCollection::Check(const QmVariant& value) const {
     CPrimitiveRestrictions::CheckRestriction(GetItemElementName(), value, m_itemType, m_restrictions);
 }
 
+void CXmlTypeCollection::Check(const QmVariant& value, const std::string& text) const {
+    CPrimitiveRestrictions::CheckRestriction(GetItemElementName(), value, m_itemType, m_restrictions, text,
+                                             m_whitespaceRule);
+}
+
 void CXmlTypeCollection::CheckIndex(int index, std::int32_t count) const {
     if (index < 0 || index >= count) {
         throw CQmInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, count - 1));

@@ -136,7 +136,8 @@ bool CAttributeInfoPrimitive::AttributeFromXml(const CXmlSerializationContext&, 
     }
     QmVariant value;
     value.FromString(attribute->GetValue(), m_type, m_rule);
-    CheckRestriction(value);
+    CPrimitiveRestrictions::CheckRestriction(GetAttributeName(), value, m_type, m_facets, attribute->GetValue(),
+                                             m_rule);
     AccessProperty(obj, false, value);
     return true;
 }

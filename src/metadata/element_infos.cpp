@@ -120,7 +120,8 @@ bool CElementInfoPrim<Group, Mandatory>::ElementFromXml(const CXmlSerializationC
     return this->ReadSimpleElement(ctx, obj, current, Mandatory && detail::IsSequence<Group>, m_nillable,
                                    [this](const CXmlElement* element, QmVariant& value) {
                                        value.FromString(element->GetText(), m_type, m_rule);
-                                       CheckRestriction(value);
+                                       CPrimitiveRestrictions::CheckRestriction(this->GetElementName(), value, m_type,
+                                                                                m_facets, element->GetText(), m_rule);
                                    });
 }
 

@@ -4,12 +4,15 @@
 #include <pcre2.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <mutex>
 #include <new>
 #include <unordered_map>
+#include <vector>
 
 #include <qmxml/core/exception.h>
 
@@ -183,6 +186,330 @@ std::size_t TranslateBlock(const std::string& text, std::size_t pos, std::string
     return close + 1 - pos;
 }
 
+// ---- XML Schema's character class escapes, as PCRE2 class items
+
+constexpr char32_t kMaxCodePoint = 0x10FFFF;
+
+struct CodeRange {
+    char32_t first;
+    char32_t last;
+};
+
+// \i and \c are the characters of XML names: NameStartChar and NameChar of
+// XML 1.0 fifth edition rather than the Unicode 2.0 letter tables of the
+// second edition. The W3C test suite counts names valid under the fifth
+// edition valid for XML Schema 1.0 too, and these ranges do not age with
+// Unicode. Sorted, disjoint, not touching.
+const CodeRange kNameStartChars[] = {
+    {':', ':'},       {'A', 'Z'},         {'_', '_'},         {'a', 'z'},         {0xC0, 0xD6},
+    {0xD8, 0xF6},     {0xF8, 0x2FF},      {0x370, 0x37D},     {0x37F, 0x1FFF},    {0x200C, 0x200D},
+    {0x2070, 0x218F}, {0x2C00, 0x2FEF},   {0x3001, 0xD7FF},   {0xF900, 0xFDCF},   {0xFDF0, 0xFFFD},
+    {0x10000, 0xEFFFF},
+};
+const CodeRange kNameChars[] = {
+    {'-', '.'},       {'0', ':'},         {'A', 'Z'},         {'_', '_'},         {'a', 'z'},
+    {0xB7, 0xB7},     {0xC0, 0xD6},       {0xD8, 0xF6},       {0xF8, 0x37D},      {0x37F, 0x1FFF},
+    {0x200C, 0x200D}, {0x203F, 0x2040},   {0x2070, 0x218F},   {0x2C00, 0x2FEF},   {0x3001, 0xD7FF},
+    {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD},   {0x10000, 0xEFFFF},
+};
+
+// A mistake in the pattern that XML Schema's grammar rules out; compiling
+// reports it as PCRE2's own errors are reported.
+[[noreturn]] void SyntaxError(const char* what) { throw CQmException(what); }
+
+void AppendCodePoint(std::string& out, char32_t c) {
+    char buffer[16];
+    std::snprintf(buffer, sizeof buffer, "\\x{%X}", static_cast<unsigned>(c));
+    out += buffer;
+}
+
+template <std::size_t N>
+std::vector<CodeRange> Ranges(const CodeRange (&ranges)[N]) {
+    return std::vector<CodeRange>(ranges, ranges + N);
+}
+
+// The ranges as class items. UTF-8 text holds no surrogates and PCRE2 refuses
+// them as range ends, so ends inside them move out.
+std::string ClassItems(const std::vector<CodeRange>& ranges) {
+    std::string items;
+    for (CodeRange r : ranges) {
+        if (r.first >= 0xD800 && r.first <= 0xDFFF) r.first = 0xE000;
+        if (r.last >= 0xD800 && r.last <= 0xDFFF) r.last = 0xD7FF;
+        if (r.first > r.last) continue;
+        AppendCodePoint(items, r.first);
+        if (r.last != r.first) {
+            items += '-';
+            AppendCodePoint(items, r.last);
+        }
+    }
+    return items;
+}
+
+// Every code point outside the sorted, disjoint ranges.
+std::vector<CodeRange> Complement(const std::vector<CodeRange>& ranges) {
+    std::vector<CodeRange> rest;
+    char32_t next = 0;
+    for (const CodeRange& r : ranges) {
+        if (r.first > next) rest.push_back({next, r.first - 1});
+        next = r.last + 1;
+    }
+    if (next <= kMaxCodePoint) rest.push_back({next, kMaxCodePoint});
+    return rest;
+}
+
+// A block's class body ("\000-\177", "\x{370}-\x{3FF}\x{F0000}-...") as ranges.
+std::vector<CodeRange> ParseBlockRanges(const char* body) {
+    std::vector<CodeRange> ranges;
+    auto codePoint = [&body]() {
+        ++body;  // the backslash
+        if (*body == 'x') {
+            char* end = nullptr;
+            const auto value = static_cast<char32_t>(std::strtoul(body + 2, &end, 16));
+            body = end + 1;  // past '}'
+            return value;
+        }
+        const auto value = static_cast<char32_t>((body[0] - '0') * 64 + (body[1] - '0') * 8 + (body[2] - '0'));
+        body += 3;
+        return value;
+    };
+    while (*body == '\\') {
+        const char32_t first = codePoint();
+        char32_t last = first;
+        if (*body == '-') {
+            ++body;
+            last = codePoint();
+        }
+        ranges.push_back({first, last});
+    }
+    return ranges;
+}
+
+// How an escape that stands for a set of characters is written in PCRE2: as
+// items inside brackets, and as an atom of its own.
+struct EscapeClass {
+    std::string items;
+    std::string atom;
+    const std::string& Standalone() const { return atom; }
+};
+
+struct EscapeClasses {
+    EscapeClass s, S, w, W, i, I, c, C;
+    EscapeClasses() {
+        // \s is space, tab, LF and CR only (no other Unicode spaces).
+        const std::vector<CodeRange> spaces = {{0x09, 0x0A}, {0x0D, 0x0D}, {0x20, 0x20}};
+        s.items = "\\x{20}\\t\\n\\r";
+        s.atom = "[" + s.items + "]";
+        S.items = ClassItems(Complement(spaces));
+        S.atom = "[^" + s.items + "]";
+        // \w is every character outside the categories P, Z and C; as items
+        // that is the other four major categories, which with those three
+        // cover every code point.
+        W.items = "\\p{P}\\p{Z}\\p{C}";
+        W.atom = "[" + W.items + "]";
+        w.items = "\\p{L}\\p{M}\\p{N}\\p{S}";
+        w.atom = "[^" + W.items + "]";
+        i.items = ClassItems(Ranges(kNameStartChars));
+        i.atom = "[" + i.items + "]";
+        I.items = ClassItems(Complement(Ranges(kNameStartChars)));
+        I.atom = "[^" + i.items + "]";
+        c.items = ClassItems(Ranges(kNameChars));
+        c.atom = "[" + c.items + "]";
+        C.items = ClassItems(Complement(Ranges(kNameChars)));
+        C.atom = "[^" + c.items + "]";
+    }
+};
+
+const EscapeClass* FindEscapeClass(char letter) {
+    static const EscapeClasses classes;
+    switch (letter) {
+        case 's': return &classes.s;
+        case 'S': return &classes.S;
+        case 'w': return &classes.w;
+        case 'W': return &classes.W;
+        case 'i': return &classes.i;
+        case 'I': return &classes.I;
+        case 'c': return &classes.c;
+        case 'C': return &classes.C;
+        default: return nullptr;
+    }
+}
+
+// At text[pos] inside a character class, one character: a literal (all the
+// bytes of its UTF-8 sequence) or a single-character escape. Appends it as a
+// class item, moves past it and returns true; returns false, moving nowhere,
+// at an escape that stands for a set.
+bool ClassCharacter(const std::string& text, std::size_t& pos, std::string& items) {
+    const char c = text[pos];
+    if (c == '\\') {
+        if (pos + 1 == text.size()) SyntaxError("\\ at end of pattern");
+        const char next = text[pos + 1];
+        if (FindEscapeClass(next) || next == 'd' || next == 'D' || next == 'p' || next == 'P') return false;
+        items += c;
+        items += next;
+        pos += 2;
+        return true;
+    }
+    // Characters PCRE2 reads specially inside brackets are escaped.
+    if (c == '^' || c == '-' || c == '[' || c == ']') items += '\\';
+    std::size_t length = 1;
+    const auto lead = static_cast<unsigned char>(c);
+    if (lead >= 0xF0) {
+        length = 4;
+    } else if (lead >= 0xE0) {
+        length = 3;
+    } else if (lead >= 0xC0) {
+        length = 2;
+    }
+    length = std::min(length, text.size() - pos);
+    items.append(text, pos, length);
+    pos += length;
+    return true;
+}
+
+// At text[pos] inside a character class, an escape that stands for a set
+// (\s \w \i \c and their negations, \d \D, \p{...} \P{...}): appends its
+// items and moves past it.
+void ClassSetEscape(const std::string& text, std::size_t& pos, std::string& items) {
+    const char next = text[pos + 1];
+    if (const EscapeClass* escape = FindEscapeClass(next)) {
+        items += escape->items;
+        pos += 2;
+        return;
+    }
+    if (next == 'p' || next == 'P') {
+        const std::size_t close = text.find('}', pos);
+        if (text.compare(pos + 2, 3, "{Is") == 0 && close != std::string::npos) {
+            if (const Block* block = FindBlock(text.data() + pos + 5, close - pos - 5)) {
+                // A block is items of its ranges; its negation, items of the
+                // rest, since brackets cannot hold a negated class.
+                if (next == 'p') {
+                    items += block->ranges;
+                } else {
+                    items += ClassItems(Complement(ParseBlockRanges(block->ranges)));
+                }
+                pos = close + 1;
+                return;
+            }
+        }
+        // A category, or a name PCRE2 is left to refuse.
+        const std::size_t end = close == std::string::npos ? pos + 2 : close + 1;
+        items.append(text, pos, end - pos);
+        pos = end;
+        return;
+    }
+    items.append(text, pos, 2);  // \d, \D
+    pos += 2;
+}
+
+// At text[pos] an unescaped '{', which XML Schema allows only as a quantifier
+// {n}, {n,} or {n,m}; PCRE2 would take "{,5}" as plain text.
+void CheckQuantifier(const std::string& text, std::size_t pos) {
+    auto digits = [&text](std::size_t from) {
+        std::size_t to = from;
+        while (to < text.size() && text[to] >= '0' && text[to] <= '9') ++to;
+        return to;
+    };
+    std::size_t at = digits(pos + 1);
+    bool valid = at > pos + 1;
+    if (valid && at < text.size() && text[at] == ',') at = digits(at + 1);
+    valid = valid && at < text.size() && text[at] == '}';
+    if (!valid) SyntaxError("an opening brace must start a quantifier {n}, {n,} or {n,m}, or be escaped");
+}
+
+// One bracket level of a character class being translated.
+struct ClassLevel {
+    bool negated = false;
+    bool any = false;         // an item was seen, even one of no characters
+    bool rangeStart = false;  // the last item is one character, which may start a range
+    bool subtracts = false;   // "-[" was met: only the closing ']' may follow
+    std::string items;
+};
+
+void AppendBaseClass(const ClassLevel& level, std::string& out) {
+    if (level.items.empty()) {
+        // Only empty sets (the surrogate blocks) were named.
+        out += level.negated ? "[\\x{0}-\\x{10FFFF}]" : "(?:(?!))";
+        return;
+    }
+    out += level.negated ? "[^" : "[";
+    out += level.items;
+    out += ']';
+}
+
+// At text[pos] the '[' of a character class: appends its translation and
+// returns the position after its ']'. PCRE2 has no class subtraction, so
+// [base-[sub]] becomes (?:(?!sub)[base]), a base character the subtracted
+// class does not match. Nested levels are kept on an explicit stack and each
+// part is appended once, so deep nesting costs neither call depth nor
+// repeated copying.
+std::size_t TranslateClass(const std::string& text, std::size_t pos, std::string& out) {
+    std::vector<ClassLevel> levels;
+    auto open = [&] {
+        ++pos;
+        levels.emplace_back();
+        if (pos < text.size() && text[pos] == '^') {
+            levels.back().negated = true;
+            ++pos;
+        }
+    };
+    open();
+    for (;;) {
+        if (pos >= text.size()) SyntaxError("missing terminating ] for character class");
+        ClassLevel& level = levels.back();
+        const char c = text[pos];
+        if (level.subtracts && c != ']') SyntaxError("a class subtraction must end its character class");
+        if (c == ']') {
+            if (!level.any) SyntaxError("empty character class");
+            ++pos;
+            if (level.subtracts) out += ')';  // the end of the subtracted class's lookahead
+            AppendBaseClass(level, out);
+            if (level.subtracts) out += ')';
+            levels.pop_back();
+            if (levels.empty()) return pos;
+            continue;
+        }
+        if (c == '[') SyntaxError("an opening bracket inside a character class must start a class subtraction");
+        if (c == '-') {
+            const char after = pos + 1 < text.size() ? text[pos + 1] : '\0';
+            if (after == '[') {
+                if (!level.any) SyntaxError("a class subtraction needs characters to subtract from");
+                level.subtracts = true;
+                out += "(?:(?!";
+                ++pos;
+                open();
+                continue;
+            }
+            const bool beforeSubtraction = after == '-' && pos + 2 < text.size() && text[pos + 2] == '[';
+            if (!level.any || after == ']' || beforeSubtraction) {
+                // A plain '-' first or last in the class (or in the set a
+                // subtraction starts from).
+                level.items += "\\-";
+                level.any = level.rangeStart = true;
+                ++pos;
+                continue;
+            }
+            if (!level.rangeStart) {
+                SyntaxError("a hyphen inside a character class must come first or last, or join the ends of a range");
+            }
+            ++pos;
+            if (pos >= text.size()) SyntaxError("missing terminating ] for character class");
+            level.items += '-';
+            if (!ClassCharacter(text, pos, level.items)) {
+                SyntaxError("a range in a character class must end with one character");
+            }
+            level.rangeStart = false;
+            continue;
+        }
+        level.any = true;
+        if (ClassCharacter(text, pos, level.items)) {
+            level.rangeStart = true;
+        } else {
+            ClassSetEscape(text, pos, level.items);
+            level.rangeStart = false;
+        }
+    }
+}
+
 // PCRE2 objects owned by RAII holders (CodePtr above).
 struct MatchDataDeleter {
     void operator()(pcre2_match_data* data) const { pcre2_match_data_free(data); }
@@ -235,10 +562,16 @@ std::string ErrorText(int code) {
 // jit: also translate the pattern to machine code, worth it for a pattern
 // that is kept and used again.
 Compiled Compile(const std::string& utf8Pattern, bool jit) {
-    const std::string source = Translate(utf8Pattern);
+    Compiled result;
+    std::string source;
+    try {
+        source = Translate(utf8Pattern);
+    } catch (const CQmException& e) {
+        result.error = e.GetMessage();
+        return result;
+    }
     int errorCode = 0;
     PCRE2_SIZE errorOffset = 0;
-    Compiled result;
     result.code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(source.data()), source.size(), kCompileOptions,
                                     &errorCode, &errorOffset, const_cast<pcre2_compile_context*>(CompileContext())));
     if (!result.code) {
@@ -322,40 +655,44 @@ const std::string& AsUtf8(const std::string& text, std::string& scratch) {
 }  // namespace
 
 std::string Translate(const std::string& pattern) {
-    // One left-to-right pass does what the replacement steps do in sequence:
-    // an escaped backslash is consumed first, so no step sees its second half.
     std::string out = "^(?:";
     out.reserve(pattern.size() + 16);
     std::size_t pos = 0;
     while (pos < pattern.size()) {
         const char c = pattern[pos];
+        if (c == '[') {
+            pos = TranslateClass(pattern, pos, out);
+            continue;
+        }
+        if (c == '{') CheckQuantifier(pattern, pos);
         if (c != '\\' || pos + 1 == pattern.size()) {
             out += c;
             ++pos;
             continue;
         }
+        // An escaped backslash is taken whole, so the letter after it is no
+        // escape of its own.
         const char next = pattern[pos + 1];
-        const char* replacement = nullptr;
-        switch (next) {
-            case 'i': replacement = "([^\\W\\d]|:)"; break;
-            case 'I': replacement = "([\\W\\d])"; break;
-            case 'c': replacement = "(\\w|\\.|-|:)"; break;
-            case 'C': replacement = "([^\\w\\.\\-\\:])"; break;
-            case 'p':
-            case 'P':
-                if (std::size_t used = TranslateBlock(pattern, pos, out)) {
-                    pos += used;
-                    continue;
-                }
-                break;
-            default: break;
+        if (const EscapeClass* escape = FindEscapeClass(next)) {
+            out += escape->Standalone();
+            pos += 2;
+            continue;
         }
-        if (replacement) {
-            out += replacement;
-        } else {
-            out += c;
-            out += next;
+        if (next == 'p' || next == 'P') {
+            if (const std::size_t used = TranslateBlock(pattern, pos, out)) {
+                pos += used;
+                continue;
+            }
+            // A category: its braces are no quantifier.
+            const std::size_t close = pattern.find('}', pos);
+            if (pattern.compare(pos + 2, 1, "{") == 0 && close != std::string::npos) {
+                out.append(pattern, pos, close + 1 - pos);
+                pos = close + 1;
+                continue;
+            }
         }
+        out += c;
+        out += next;
         pos += 2;
     }
     out += ")$";

@@ -10,7 +10,10 @@
 namespace QmXmlLib10 {
 namespace patterns {
 
-// The PCRE2 source for a UTF-8 XSD pattern, anchored as ^(?: ... )$.
+// The PCRE2 source for a UTF-8 XSD pattern, anchored as ^(?: ... )$. What XML
+// Schema's grammar rules out and PCRE2 would read another way (a stray '-'
+// or '[' in brackets, an empty class, '{' that starts no quantifier) throws
+// CQmException with the reason, which compiling reports like PCRE2's errors.
 std::string Translate(const std::string& utf8Pattern);
 
 // Both take local-encoding text and give the same results; the first compiles

@@ -393,6 +393,21 @@ void CPrimitiveRestrictions::CheckInteger(const std::string& memberName, const C
 }
 
 void CPrimitiveRestrictions::CheckRestriction(const std::string& memberName, const QmVariant& value, ItemType type,
+                                              const CPrimitiveRestrictions& facets, const std::string& text,
+                                              CWhitespaceUtils::WhitespaceRule rule) {
+    // A variant of another type, or nil, takes the usual path and its errors.
+    if (!ChecksDocumentText(type) || value.IsNil() || value.GetTypeAsEnum() != type) {
+        return CheckRestriction(memberName, value, type, facets);
+    }
+    // The rule is applied again only when a facet will look at the text.
+    if (facets.GetPattern().empty() && facets.GetMinLength() < 0 && facets.GetMaxLength() < 0 &&
+        facets.GetLength() < 0) {
+        return;
+    }
+    CheckLexical(memberName, CWhitespaceUtils::ApplyRule(rule, text), facets);
+}
+
+void CPrimitiveRestrictions::CheckRestriction(const std::string& memberName, const QmVariant& value, ItemType type,
                                               const CPrimitiveRestrictions& facets) {
     if (value.IsNil()) return;  // nil content has no value to restrict
     // Without facets every check passes; only the getter's type test remains.

@@ -322,6 +322,64 @@ TEST(PrimitiveRestrictionsTest, CharAndBooleanAreCheckedOnTheirLexicalForm) {
     ExpectPass("TRUE", ItemType_boolean, Lengths(-1, -1, 4));
 }
 
+// A value read from a document carries the text it was read from: a boolean's
+// pattern and lengths see that text after the whitespace rule.
+TEST(PrimitiveRestrictionsTest, BooleanFromADocumentIsCheckedOnTheDocumentText) {
+    constexpr auto collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+    struct Case {
+        const char* text;
+        const char* pattern;
+        const char* shownOnFailure;  // null: passes
+    };
+    const Case cases[] = {
+        {"1", "[01]", nullptr},          {"0", "[01]", nullptr},           {" 1\n", "[01]", nullptr},
+        {"true", "[01]", "true"},        {"false", "[01]", "false"},       {"true", "true|false", nullptr},
+        {"false", "true|false", nullptr}, {"1", "true|false", "1"},        {"0", "true|false", "0"},
+        {"TRUE", "true|false", "TRUE"},  {"\tfalse ", "false", nullptr},  {"0", "1", "0"},
+    };
+    for (const Case& c : cases) {
+        const std::string text = c.text;
+        const R facets(c.pattern, -1, -1, "", "", "", "", -1);
+        const QmVariant value = Parsed(CWhitespaceUtils::Collapse(text), ItemType_boolean);
+        SCOPED_TRACE(c.text + std::string(" ~ ") + c.pattern);
+        if (c.shownOnFailure == nullptr) {
+            EXPECT_NO_THROW(R::CheckRestriction("flag", value, ItemType_boolean, facets, text, collapse));
+        } else {
+            ExpectThrow<CQmValidationException>(
+                [&] { R::CheckRestriction("flag", value, ItemType_boolean, facets, text, collapse); },
+                "Invalid Value for flag [" + std::string(c.shownOnFailure) + "]");
+        }
+    }
+    // The length facets count the document's characters too.
+    ExpectThrow<CQmValidationException>(
+        [] { R::CheckRestriction("flag", Parsed("1", ItemType_boolean), ItemType_boolean, Lengths(-1, -1, 4), "1",
+                                 CWhitespaceUtils::WhitespaceRule_Collapse); },
+        "Invalid Value for flag [1]");
+    EXPECT_NO_THROW(R::CheckRestriction("flag", Parsed("true", ItemType_boolean), ItemType_boolean,
+                                        Lengths(-1, -1, 4), " true ", CWhitespaceUtils::WhitespaceRule_Collapse));
+}
+
+TEST(PrimitiveRestrictionsTest, DocumentTextLeavesOtherTypesAndOddVariantsAsTheyWere) {
+    constexpr auto collapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+    // Bounds see the value and print it as they always do.
+    ExpectThrow<CQmValidationException>(
+        [&] { R::CheckRestriction("n", Parsed("5", ItemType_i4), ItemType_i4, Bounds("", "", "5", ""), "+05", collapse); },
+        "Invalid Value for n [5]");
+    // A string is its own lexical form; the text adds nothing.
+    ExpectPass("ab", ItemType_string, Lengths(-1, -1, -1, "[a-z]+"));
+    EXPECT_NO_THROW(R::CheckRestriction("s", Parsed("ab", ItemType_string), ItemType_string,
+                                        Lengths(-1, -1, -1, "[a-z]+"), "ab", collapse));
+    // Nil has no value to restrict; a variant of another type fails in its getter.
+    QmVariant nil;
+    nil.SetBoolean(true);
+    nil.SetNil();
+    EXPECT_NO_THROW(R::CheckRestriction("flag", nil, ItemType_boolean, Lengths(-1, -1, -1, "[01]"), "", collapse));
+    ExpectThrow<CQmInvalidStateException>(
+        [] { R::CheckRestriction("flag", Parsed("1", ItemType_i4), ItemType_boolean, Lengths(-1, -1, -1, "[01]"), "1",
+                                 CWhitespaceUtils::WhitespaceRule_Collapse); },
+        "Cannot read a variant of type [i4] as [boolean]");
+}
+
 TEST(PrimitiveRestrictionsTest, BadPatternFailsEveryNonEmptyValue) {
     const R bad("a(", -1, -1, "", "", "", "", -1);
     const std::string error = "Invalid Regular Expression: a( Error: 'missing closing parenthesis'";
@@ -336,18 +394,18 @@ TEST(PrimitiveRestrictionsTest, BadPatternFailsEveryNonEmptyValue) {
                               "Invalid Regular Expression: \\p{IsKlingon} Error: 'unknown property after \\P or \\p'");
 }
 
-TEST(PatternTranslationTest, TableEscapesAndAnchoring) {
-    EXPECT_EQ("^(?:([^\\W\\d]|:)([\\W\\d])(\\w|\\.|-|:)([^\\w\\.\\-\\:]))$", patterns::Translate("\\i\\I\\c\\C"));
+TEST(PatternTranslationTest, BlockEscapesAndAnchoring) {
     EXPECT_EQ("^(?:[\\000-\\177][\\200-\\377][\\400-\\577][\\600-\\x{24F}])$",
               patterns::Translate("\\p{IsBasicLatin}\\p{IsLatin-1Supplement}\\p{IsLatinExtended-A}"
                                   "\\p{IsLatinExtended-B}"));
     EXPECT_EQ("^(?:[^\\x{370}-\\x{3FF}])$", patterns::Translate("\\P{IsGreek}"));
-    // An escaped backslash hides the letter after it from the table.
-    EXPECT_EQ("^(?:a\\\\i\\\\\\\\p{IsGreek})$", patterns::Translate("a\\\\i\\\\\\\\p{IsGreek}"));
+    // An escaped backslash hides the letter after it from the escapes.
+    EXPECT_EQ("^(?:a\\\\i\\\\\\\\w)$", patterns::Translate("a\\\\i\\\\\\\\w"));
     // Other escapes, unknown blocks and a trailing backslash pass unchanged.
     EXPECT_EQ("^(?:\\d\\p{Lu}\\p{IsKlingon}\\)$", patterns::Translate("\\d\\p{Lu}\\p{IsKlingon}\\"));
-    // Textual: inside a bracket expression too.
-    EXPECT_EQ("^(?:[([^\\W\\d]|:)])$", patterns::Translate("[\\i]"));
+    // Inside brackets a block is the items of its range, its negation those of the rest.
+    EXPECT_EQ("^(?:[a\\000-\\177])$", patterns::Translate("[a\\p{IsBasicLatin}]"));
+    EXPECT_EQ("^(?:[\\x{80}-\\x{10FFFF}])$", patterns::Translate("[\\P{IsBasicLatin}]"));
 }
 
 TEST(PatternTranslationTest, MatchesWholeValues) {

@@ -86,7 +86,7 @@ public:
     void AddFromString(const std::string& text) override {
         QmVariant value;
         value.FromString(text, Type, this->GetWhitespaceRule());
-        this->Check(value);
+        this->Check(value, text);
         this->AppendUnchecked(Traits::Get(value));
     }
 

@@ -41,6 +41,9 @@ protected:
 
     // Throws when the value breaks a facet; the member name in messages is the element name.
     void Check(const QmVariant& value) const;
+    // The same for an item read from text, whose lexical form the facets of
+    // some types look at.
+    void Check(const QmVariant& value, const std::string& text) const;
     // Every item in an "index out of range" message is named the same way as in CXmlCollection.
     void CheckIndex(int index, std::int32_t count) const;
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include <qmxml/core/enums.h>
+#include <qmxml/types/whitespace.h>
 
 namespace QmXmlLib10 {
 
@@ -29,7 +30,8 @@ class QmVariant;
 //            against "P30D", NaN) fails the bound;
 //   lengths  minLength, maxLength, length (bytes of the narrow string, or of
 //            the binary data);
-//   pattern  strings, chars and booleans (on their lexical form) only, after
+//   pattern  strings, chars and booleans (on their lexical form: a boolean
+//            read from a document on its text there) only, after
 //            the lengths; an empty value skips it.
 // Which facets a type checks, and how its value prints in the message:
 //   i1 i2 i4 ui1 ui2 ui4    bounds, "%d" ("%u" for the unsigned ones)
@@ -106,18 +108,37 @@ public:
     // CQmException "unknown type [%d]".
     static void CheckRestriction(const std::string& memberName, const QmVariant& value, ItemType type,
                                  const CPrimitiveRestrictions& facets);
+    // The same for a value read from a document: text is what the value was
+    // read from, rule the whitespace rule it was read under. Patterns apply to
+    // the lexical form as the document had it, so a boolean's length and
+    // pattern facets see that text after the rule ("1" against [01]), not
+    // the canonical "true"; a value without document text (set by the
+    // application) has only the canonical form. Every other type is checked
+    // as above.
+    static void CheckRestriction(const std::string& memberName, const QmVariant& value, ItemType type,
+                                 const CPrimitiveRestrictions& facets, const std::string& text,
+                                 CWhitespaceUtils::WhitespaceRule rule);
 
     // True when the value matches the whole XSD pattern. Value and pattern are
     // converted from the local encoding to UTF-8 and the pattern is translated
-    // to PCRE2 syntax:
-    //   \\ stays an escaped backslash, and the steps below never see it;
-    //   \i -> ([^\W\d]|:)    \I -> ([\W\d])    \c -> (\w|\.|-|:)    \C -> ([^\w\.\-\:])
+    // to PCRE2 syntax, knowing XML Schema's character classes:
+    //   \\ stays an escaped backslash, and nothing below sees it;
+    //   \s is space, tab, LF and CR only; \w every character outside the
+    //   categories P, Z and C (so "_" is not in it, "+" and "$" are); \i and \c
+    //   the name start and name characters of XML 1.0 fifth edition; \S \W
+    //   \I \C their complements; inside brackets each becomes the class items
+    //   of the same set ([\w-], [^\s]);
     //   \p{IsBasicLatin} -> [\000-\177]        \p{IsLatin-1Supplement} -> [\200-\377]
     //   \p{IsLatinExtended-A} -> [\400-\577]   \p{IsLatinExtended-B} -> [\600-\x{24F}]
     //   every other block of XML Schema's list, \p{IsX}, becomes the class of
-    //   its code points, and \P{IsX} its negation ([^...]); the surrogate
-    //   blocks match nothing. The translation is textual: inside a bracket
-    //   expression these escapes are replaced all the same.
+    //   its code points, and \P{IsX} its negation; the surrogate blocks match
+    //   nothing;
+    //   a class subtraction [base-[sub]] becomes (?:(?!sub)[base]).
+    // What XML Schema's grammar rules out and PCRE2 would read some other way
+    // does not compile: a '-' inside brackets that neither comes first or
+    // last nor joins the ends of a range, '[' inside brackets other than a
+    // subtraction, anything after a subtraction, an empty class, and an
+    // unescaped '{' that starts no quantifier.
     // The result is compiled as ^(?: ... )$ with UTF, UCP, DOLLAR_ENDONLY and
     // CR or LF as line ends (so "." matches neither, as in XML Schema).
     //
@@ -126,9 +147,10 @@ public:
     //
     // A pattern that does not compile throws CQmException
     // "Invalid Regular Expression: %s Error: '%s'" (the pattern as written,
-    // PCRE2's message). A match that exceeds the engine's limits (10,000,000
-    // backtracking steps, 64 MiB of backtracking memory) or meets a value that
-    // is not valid UTF-8 throws CQmException
+    // PCRE2's message or the translation's, e.g. "empty character class"). A
+    // match that exceeds the engine's limits (10,000,000 backtracking steps,
+    // 64 MiB of backtracking memory) or meets a value that is not valid UTF-8
+    // throws CQmException
     // "Failed to match the Regular Expression: %s Error: '%s'".
     static bool MatchesPattern(const std::string& value, const std::string& xsdPattern);
 
@@ -183,6 +205,10 @@ private:
     const std::optional<T>* PreparedBounds(ItemType type, Parse parse) const;
     static void CheckLexical(const std::string& memberName, const std::string& value,
                              const CPrimitiveRestrictions& facets);
+    // Whether the type's facets are checked on the document's lexical form
+    // when there is one; the one place to widen when more types check their
+    // patterns on the lexical form.
+    static bool ChecksDocumentText(ItemType type) { return type == ItemType_boolean; }
 
     std::string m_pattern;
     int m_minLength = -1;
