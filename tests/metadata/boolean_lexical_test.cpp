@@ -25,7 +25,7 @@ public:
         for (auto& f : fields) f.reset();
     }
     void AccessProperty(int index, bool read, QmVariant& v) override {
-        Access(read, v, fields[index], &QmVariant::SetBoolean, &QmVariant::GetBoolean);
+        AccessBoolean(read, v, fields[index]);
     }
     CParentElementInfo* GetClassInfo() const override { return s_parent; }
     CElementInfo** GetClassElementInfo() const override { return s_elements; }
