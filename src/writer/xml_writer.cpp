@@ -1,7 +1,5 @@
 #include "qmxml/writer/xml_writer.h"
 
-#include <array>
-
 #include "dom/expat_reader.h"
 #include "platform/charset.h"
 #include "qmxml/core/exception.h"
@@ -18,25 +16,6 @@ bool HasNoBadControls(const char* text, std::size_t length) {
         const auto c = static_cast<unsigned char>(text[i]);
         if (c < 0x20 && c != 0x09 && c != 0x0A && c != 0x0D) return false;
     }
-    return true;
-}
-// Name characters of ASCII without the colon: 1 may start a name, 2 may follow.
-struct AsciiNameTable {
-    std::array<unsigned char, 256> bits{};
-    constexpr AsciiNameTable() {
-        for (int c = 'A'; c <= 'Z'; ++c) bits[c] = bits[c + ('a' - 'A')] = 3;
-        bits['_'] = 3;
-        for (int c = '0'; c <= '9'; ++c) bits[c] = 2;
-        bits['-'] = bits['.'] = 2;
-    }
-};
-constexpr AsciiNameTable kAsciiName;
-
-// The common names (ASCII letters, digits, "_", "-", "."), in one pass.
-inline bool IsPlainAsciiName(std::string_view name) {
-    if (name.empty() || (kAsciiName.bits[static_cast<unsigned char>(name[0])] & 1) == 0) return false;
-    for (std::size_t i = 1; i < name.size(); ++i)
-        if (kAsciiName.bits[static_cast<unsigned char>(name[i])] == 0) return false;
     return true;
 }
 }  // namespace
@@ -123,7 +102,6 @@ void CXmlWriter::AddNamespaceAlias(const char* alias, const char* namespaceURI) 
 }
 
 void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
-    CheckName(localName ? localName : "", namespaceURI == nullptr || *namespaceURI == '\0');
     CXmlWriterContext* parent = m_current;
     if (m_openCount == m_contexts.size()) {
         m_contexts.push_back(std::make_unique<CXmlWriterContext>(parent, localName, namespaceURI));
@@ -131,6 +109,8 @@ void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
         m_contexts[m_openCount]->Reset(parent, localName, namespaceURI);
     }
     CXmlWriterContext* context = m_contexts[m_openCount].get();
+    // Until the count below takes it, the context is spare storage: a refused name opens nothing.
+    CheckName(context->m_localName, !context->m_hasNamespace);
     if (parent) {
         ++parent->m_childCount;
     } else {
@@ -207,8 +187,7 @@ void CXmlWriter::ThrowInvalidValue(std::string_view name) {
 
 void CXmlWriter::ThrowEmptyName() const { throw CQmInvalidValueException("Invalid name []"); }
 
-void CXmlWriter::CheckName(std::string_view name, bool colons) const {
-    if (IsPlainAsciiName(name)) return;  // every element pays this: keep it one table pass
+void CXmlWriter::CheckNameSlow(std::string_view name, bool colons) const {
     if (name.empty()) ThrowEmptyName();
     // Printable ASCII takes the name check's own fast path; anything else
     // is checked as the UTF-8 it is written as.
