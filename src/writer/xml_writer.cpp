@@ -102,7 +102,6 @@ void CXmlWriter::AddNamespaceAlias(const char* alias, const char* namespaceURI) 
 }
 
 void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
-    CheckName(localName ? localName : "", namespaceURI == nullptr || *namespaceURI == '\0');
     CXmlWriterContext* parent = m_current;
     if (m_openCount == m_contexts.size()) {
         m_contexts.push_back(std::make_unique<CXmlWriterContext>(parent, localName, namespaceURI));
@@ -110,6 +109,8 @@ void CXmlWriter::StartElement(const char* localName, const char* namespaceURI) {
         m_contexts[m_openCount]->Reset(parent, localName, namespaceURI);
     }
     CXmlWriterContext* context = m_contexts[m_openCount].get();
+    // Until the count below takes it, the context is spare storage: a refused name opens nothing.
+    CheckName(context->m_localName, !context->m_hasNamespace);
     if (parent) {
         ++parent->m_childCount;
     } else {
@@ -186,7 +187,7 @@ void CXmlWriter::ThrowInvalidValue(std::string_view name) {
 
 void CXmlWriter::ThrowEmptyName() const { throw CQmInvalidValueException("Invalid name []"); }
 
-void CXmlWriter::CheckName(std::string_view name, bool colons) const {
+void CXmlWriter::CheckNameSlow(std::string_view name, bool colons) const {
     if (name.empty()) ThrowEmptyName();
     // Printable ASCII takes the name check's own fast path; anything else
     // is checked as the UTF-8 it is written as.

@@ -16,6 +16,21 @@ namespace QmXmlLib10 {
 
 class CExpatNameCheck;
 
+namespace writer_detail {
+// ASCII name characters without the colon: 1 may start a name, 2 may follow.
+struct AsciiNameBits {
+    unsigned char bits[256] = {};
+    constexpr AsciiNameBits() {
+        for (int c = 'A'; c <= 'Z'; ++c) bits[c] = bits[c + ('a' - 'A')] = 3;
+        bits[static_cast<unsigned char>('_')] = 3;
+        for (int c = '0'; c <= '9'; ++c) bits[c] = 2;
+        bits[static_cast<unsigned char>('-')] = bits[static_cast<unsigned char>('.')] = 2;
+    }
+    constexpr unsigned char operator[](unsigned char c) const { return bits[c]; }
+};
+inline constexpr AsciiNameBits kAsciiNameBits{};
+}  // namespace writer_detail
+
 // Calling order: StartDocument; optionally SetDefaultNamespace and
 // AddNamespaceAlias; StartElement; its attributes; its text and children;
 // EndElement; ...; EndDocument. The base keeps the namespace settings declared
@@ -162,8 +177,19 @@ protected:
     [[noreturn]] static void ThrowInvalidValue(std::string_view name);
     [[noreturn]] static void ThrowNotOpened();
     // Throws "Invalid name [%s]" unless the name is an XML name; with colons
-    // only when `colons`.
-    void CheckName(std::string_view name, bool colons) const;
+    // only when `colons`. Every element and attribute pays for it, so the
+    // common names (ASCII letters, digits, "_", "-", ".") take one table pass inline.
+    void CheckName(std::string_view name, bool colons) const {
+        if (!IsPlainAsciiName(name)) CheckNameSlow(name, colons);
+    }
+    void CheckNameSlow(std::string_view name, bool colons) const;
+    static bool IsPlainAsciiName(std::string_view name) {
+        using writer_detail::kAsciiNameBits;
+        if (name.empty() || (kAsciiNameBits[static_cast<unsigned char>(name[0])] & 1) == 0) return false;
+        for (std::size_t i = 1; i < name.size(); ++i)
+            if (kAsciiNameBits[static_cast<unsigned char>(name[i])] == 0) return false;
+        return true;
+    }
     // An empty name: CQmInvalidValueException "Invalid name []" unless a writer says otherwise.
     [[noreturn]] virtual void ThrowEmptyName() const;
     // A prefix to declare: a name without colons, neither "xmlns" nor "xml".
