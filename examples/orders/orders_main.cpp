@@ -38,15 +38,11 @@ Summary Summarise(const orders::COrders& book) {
     Summary s;
     const orders::COrderTypeCol* all = book.GetOrder();
     s.orders = all->GetCount();
-    for (int i = 0; i < s.orders; ++i) {
-        const CSmartPtr<orders::COrderType> order = all->GetItem(i);
+    for (const orders::COrderType* order : *all) {
         if (order->GetStatus() == orders::StatusType_pending) ++s.pending;
         const orders::CLineTypeCol* lines = order->GetLine();
         s.lines += lines->GetCount();
-        for (int j = 0; j < lines->GetCount(); ++j) {
-            const CSmartPtr<orders::CLineType> line = lines->GetItem(j);
-            s.total += CDecimal(line->GetQuantity()) * line->GetUnitPrice();
-        }
+        for (const orders::CLineType* line : *lines) s.total += CDecimal(line->GetQuantity()) * line->GetUnitPrice();
     }
     return s;
 }
@@ -83,8 +79,7 @@ int MainJob() {
 
     // The change: every pending order ships, and the book says who touched it.
     int shipped = 0;
-    for (int i = 0; i < book.GetOrder()->GetCount(); ++i) {
-        const CSmartPtr<orders::COrderType> order = book.GetOrder()->GetItem(i);
+    for (orders::COrderType* order : *book.GetOrder()) {
         if (order->GetStatus() != orders::StatusType_pending) continue;
         order->SetStatus(orders::StatusType_shipped);
         ++shipped;

@@ -20,7 +20,8 @@ CXmlTypeCollection::CXmlTypeCollection(ItemType itemType, const char* elementNam
       m_format(format ? format : "") {}
 
 void CXmlTypeCollection::Clear() {
-    while (GetCount() > 0) Remove(0);
+    // From the back: removing the first value of a vector moves all the rest.
+    while (GetCount() > 0) Remove(GetCount() - 1);
 }
 
 void CXmlTypeCollection::Check(const QmVariant& value) const {

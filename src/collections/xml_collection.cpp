@@ -1,6 +1,7 @@
 #include "qmxml/collections/xml_collection.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
@@ -100,13 +101,13 @@ void CXmlCollection::Clear() {
     while (GetCount() > 0) Remove(0);
 }
 
-void CXmlCollection::Remove(int index) { RemoveNode(GetNodeAtIndex(index)); }
+void CXmlCollection::Remove(int index) { Unlink(GetNodeAtIndex(index), index); }
 
 void CXmlCollection::CheckItem(const CXmlObjectBase* item) const {
     if (item == nullptr) throw CQmInvalidParamException("A NULL item can not be added to a collection");
 }
 
-void CXmlCollection::Insert(CNode* anchor, Where where, CXmlObjectBase* item) {
+void CXmlCollection::Insert(CNode* anchor, Where where, CXmlObjectBase* item, int index) {
     CNode* node = new CNode;
     node->m_item = item;
     item->AddRef();
@@ -124,6 +125,10 @@ void CXmlCollection::Insert(CNode* anchor, Where where, CXmlObjectBase* item) {
         anchor->m_prev = node;
     }
     ++m_count;
+    ++m_changes;
+    // Before the listeners hear of it: they may walk the collection by index.
+    m_markNode = node;
+    m_markIndex = index;
     FireOnCollectionAddComplete(item);
     FireOnCollectionChange();
 }
@@ -131,27 +136,31 @@ void CXmlCollection::Insert(CNode* anchor, Where where, CXmlObjectBase* item) {
 void CXmlCollection::AppendItem(CXmlObjectBase* item) {
     CheckItem(item);
     FireOnCollectionAdd(item);
-    Insert(m_last, Where::After, item);
+    Insert(m_last, Where::After, item, m_count);
 }
 
 void CXmlCollection::PrependItem(CXmlObjectBase* item) {
     CheckItem(item);
     FireOnCollectionAdd(item);
-    Insert(m_first, Where::Before, item);
+    Insert(m_first, Where::Before, item, 0);
 }
 
 void CXmlCollection::AddAfterItem(const CXmlObjectBase* existing, CXmlObjectBase* item) {
     if (existing == nullptr) return PrependItem(item);
     CheckItem(item);
     FireOnCollectionAdd(item);
-    Insert(GetNodeForItem(existing), Where::After, item);
+    int index = 0;
+    CNode* anchor = FindItem(existing, index);
+    Insert(anchor, Where::After, item, index + 1);
 }
 
 void CXmlCollection::AddBeforeItem(const CXmlObjectBase* existing, CXmlObjectBase* item) {
     if (existing == nullptr) return AppendItem(item);
     CheckItem(item);
     FireOnCollectionAdd(item);
-    Insert(GetNodeForItem(existing), Where::Before, item);
+    int index = 0;
+    CNode* anchor = FindItem(existing, index);
+    Insert(anchor, Where::Before, item, index);
 }
 
 void CXmlCollection::AddItemAt(int index, CXmlObjectBase* item) {
@@ -159,14 +168,36 @@ void CXmlCollection::AddItemAt(int index, CXmlObjectBase* item) {
     if (index == m_count) return AppendItem(item);
     CheckItem(item);
     FireOnCollectionAdd(item);
-    Insert(GetNodeAtIndex(index), Where::Before, item);
+    Insert(GetNodeAtIndex(index), Where::Before, item, index);
 }
 
-void CXmlCollection::RemoveNode(CNode* node) {
+void CXmlCollection::RemoveNode(CNode* node) { Unlink(node, -1); }
+
+void CXmlCollection::Unlink(CNode* node, int index) {
+    const std::uint64_t changes = m_changes;
     FireOnCollectionRemove(-1);
+    if (m_changes != changes) index = -1;  // a listener changed the list: the index may have moved
+    if (m_markNode != nullptr) {
+        // Keep the remembered position where the node's place is known, else forget it.
+        if (node == m_markNode) {
+            if (node->m_prev) {
+                m_markNode = node->m_prev;
+                --m_markIndex;
+            } else {
+                m_markNode = node->m_next;  // takes over the index; null empties the mark
+                if (m_markNode == nullptr) m_markIndex = -1;
+            }
+        } else if (node == m_markNode->m_prev || (index >= 0 && index < m_markIndex)) {
+            --m_markIndex;
+        } else if (node != m_markNode->m_next && index < 0) {
+            m_markNode = nullptr;
+            m_markIndex = -1;
+        }
+    }
     if (node->m_prev) node->m_prev->m_next = node->m_next; else m_first = node->m_next;
     if (node->m_next) node->m_next->m_prev = node->m_prev; else m_last = node->m_prev;
     --m_count;
+    ++m_changes;
     CXmlObjectBase* item = node->m_item;
     delete node;
     item->Release();
@@ -178,19 +209,34 @@ CXmlCollection::CNode* CXmlCollection::GetNodeAtIndex(int index) const {
     if (index < 0 || index >= m_count) {
         throw CQmInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, m_count - 1));
     }
-    // Walk from whichever end is nearer.
-    if (index <= m_count / 2) {
-        CNode* node = m_first;
-        for (int i = 0; i < index; ++i) node = node->m_next;
-        return node;
+    // Walk from whichever known position is nearest: first, last or remembered.
+    CNode* node = m_first;
+    int at = 0;
+    int distance = index;
+    if (m_count - 1 - index < distance) {
+        node = m_last;
+        at = m_count - 1;
+        distance = m_count - 1 - index;
     }
-    CNode* node = m_last;
-    for (int i = m_count - 1; i > index; --i) node = node->m_prev;
+    if (m_markNode != nullptr && std::abs(index - m_markIndex) < distance) {
+        node = m_markNode;
+        at = m_markIndex;
+    }
+    for (; at < index; ++at) node = node->m_next;
+    for (; at > index; --at) node = node->m_prev;
+    m_markNode = node;
+    m_markIndex = index;
     return node;
 }
 
 CXmlCollection::CNode* CXmlCollection::GetNodeForItem(const CXmlObjectBase* item) const {
-    for (CNode* node = m_first; node; node = node->m_next) {
+    int index = 0;
+    return FindItem(item, index);
+}
+
+CXmlCollection::CNode* CXmlCollection::FindItem(const CXmlObjectBase* item, int& index) const {
+    index = 0;
+    for (CNode* node = m_first; node; node = node->m_next, ++index) {
         if (node->m_item == item) return node;
     }
     throw CQmInvalidParamException("The object was not found in the collection");

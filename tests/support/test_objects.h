@@ -57,6 +57,7 @@ public:
     using CXmlCollection::GetNodeAtIndex;
     using CXmlCollection::GetNodeForItem;
     using CXmlCollection::PrependItem;
+    using CXmlCollection::RemoveNode;
 
     std::string NameAt(int i) const { return GetNodeAtIndex(i)->GetItem()->GetElementName(); }
 

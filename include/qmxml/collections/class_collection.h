@@ -35,7 +35,16 @@ public:
     // Null items are refused with CQmInvalidParamException.
     void Add(T* item) { AppendItem(item); }
     void InsertAt(int index, T* item) { AddItemAt(index, item); }
+    // Constant time when walking the indexes in order, either way.
     CSmartPtr<T> GetItem(int index) const { return static_cast<T*>(GetNodeAtIndex(index)->GetItem()); }
+
+    // Range-for over the items as T* (const T* through a const collection):
+    //   for (COrderType* order : *book.GetOrder()) ...
+    // A CSmartPtr<T> loop variable works too, and keeps its item alive.
+    CXmlItemIterator<T> begin() { return CXmlItemIterator<T>(this->GetFirstNode()); }
+    CXmlItemIterator<T> end() { return CXmlItemIterator<T>(); }
+    CXmlItemIterator<const T> begin() const { return CXmlItemIterator<const T>(this->GetFirstNode()); }
+    CXmlItemIterator<const T> end() const { return CXmlItemIterator<const T>(); }
 
 protected:
     virtual bool IsSubstitutable() const { return false; }

@@ -30,6 +30,8 @@ public:
     // The lexical form of one item, with the collection's format.
     virtual std::string GetItemAsString(int index) const = 0;
     virtual void Remove(int index) = 0;
+    // Removes every item, last first (so each removal moves nothing); each
+    // removal raises its own events.
     void Clear();
 
 protected:
@@ -93,6 +95,13 @@ public:
     }
     std::string GetItemAsString(int index) const override { return ToVariant(GetItem(index)).ToString(Format()); }
     const std::vector<T>& GetItems() const { return m_items; }
+
+    // Range-for over the values: for (const std::string& s : names) ...
+    // Read-only even through a non-const collection, since every change goes
+    // through SetItem and its facet checks.
+    using const_iterator = typename std::vector<T>::const_iterator;
+    const_iterator begin() const { return m_items.begin(); }
+    const_iterator end() const { return m_items.end(); }
 
 protected:
     using CXmlTypeCollection::CXmlTypeCollection;

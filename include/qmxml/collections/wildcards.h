@@ -67,7 +67,14 @@ public:
         CheckItem(item);
         AddItemAt(index, item);
     }
+    // Constant time when walking the indexes in order, either way.
     CSmartPtr<Item> GetItem(int index) const { return static_cast<Item*>(GetNodeAtIndex(index)->GetItem()); }
+
+    // Range-for over the items as Item* (const Item* through a const collection).
+    CXmlItemIterator<Item> begin() { return CXmlItemIterator<Item>(GetFirstNode()); }
+    CXmlItemIterator<Item> end() { return CXmlItemIterator<Item>(); }
+    CXmlItemIterator<const Item> begin() const { return CXmlItemIterator<const Item>(GetFirstNode()); }
+    CXmlItemIterator<const Item> end() const { return CXmlItemIterator<const Item>(); }
 
 protected:
     bool Accepts(const std::string& namespaceURI) const {

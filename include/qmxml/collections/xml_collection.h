@@ -2,7 +2,9 @@
 // of reference-counted items.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -60,7 +62,19 @@ private:
     std::int32_t m_maxOccurs = -1;
 };
 
+template <class Item>
+class CXmlItemIterator;
+
 // An ordered list of bound objects; each node holds one reference on its item.
+//
+// Walking by index (GetItem(i) for i = 0 .. GetCount()-1, forwards or
+// backwards) costs constant time per step: the collection remembers the last
+// node an index reached and starts the next walk from whichever of the first
+// node, the last node and that remembered one is nearest. Every change to the
+// list keeps the remembered position right or forgets it. The position is a
+// cache that const accessors update (hence mutable): like the rest of an
+// object tree, a collection is used by one thread at a time, even for reading
+// by index. Range-for over begin()/end() walks the nodes and touches no cache.
 class CXmlCollection : public CXmlCollectionBase {
 public:
     class CNode {
@@ -91,6 +105,14 @@ public:
     CNode* GetFirstNode() const { return m_first; }
     CNode* GetLastNode() const { return m_last; }
 
+    // The items in order, for range-for and the standard algorithms. Typed
+    // collections hide these with iterators over their own item class.
+    // Adding or removing items leaves iterators to other items valid.
+    CXmlItemIterator<CXmlObjectBase> begin();
+    CXmlItemIterator<CXmlObjectBase> end();
+    CXmlItemIterator<const CXmlObjectBase> begin() const;
+    CXmlItemIterator<const CXmlObjectBase> end() const;
+
 protected:
     CXmlCollection();
 
@@ -102,7 +124,9 @@ protected:
     void AddBeforeItem(const CXmlObjectBase* existing, CXmlObjectBase* item);
     void AddItemAt(int index, CXmlObjectBase* item);
     void RemoveNode(CNode* node);
+    // Constant time for an index next to the last one reached (or to either end).
     CNode* GetNodeAtIndex(int index) const;
+    // The first node holding the item; linear in its position.
     CNode* GetNodeForItem(const CXmlObjectBase* item) const;
 
     // A collection writes no attributes of its own.
@@ -116,11 +140,66 @@ private:
     void CheckItem(const CXmlObjectBase* item) const;
     // After the add event: links a node holding a reference on item next to
     // `anchor` (null only for an empty list), then raises add-complete and change.
-    void Insert(CNode* anchor, Where where, CXmlObjectBase* item);
+    // `index` is where the new node lands; it becomes the remembered position.
+    void Insert(CNode* anchor, Where where, CXmlObjectBase* item, int index);
+    // Raises the remove events around unlinking the node; `index` is its
+    // position when known (-1 otherwise), so the remembered one can be kept.
+    void Unlink(CNode* node, int index);
+    // GetNodeForItem that also tells the node's index.
+    CNode* FindItem(const CXmlObjectBase* item, int& index) const;
 
     CNode* m_first = nullptr;
     CNode* m_last = nullptr;
     std::int32_t m_count = 0;
+    // Bumped by every link and unlink, so an index learnt before a listener
+    // ran is known to be stale afterwards.
+    std::uint64_t m_changes = 0;
+    // The last node an index walk reached and its index; null when forgotten.
+    mutable CNode* m_markNode = nullptr;
+    mutable std::int32_t m_markIndex = -1;
 };
+
+// Iterates the items of a CXmlCollection as `Item*` (Item may be const). The
+// iterator is read from, never written through, so it is an input iterator by
+// the standard's letter, yet any number of passes may be made.
+template <class Item>
+class CXmlItemIterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = Item*;
+    using difference_type = std::ptrdiff_t;
+    using pointer = Item* const*;
+    using reference = Item*;
+
+    CXmlItemIterator() = default;
+    explicit CXmlItemIterator(const CXmlCollection::CNode* node) : m_node(node) {}
+
+    // The collection holds a reference on every item, so a plain pointer is
+    // enough while the item stays in it; keep a CSmartPtr to outlive that.
+    Item* operator*() const { return static_cast<Item*>(m_node->GetItem()); }
+    CXmlItemIterator& operator++() {
+        m_node = m_node->GetNext();
+        return *this;
+    }
+    CXmlItemIterator operator++(int) {
+        CXmlItemIterator before = *this;
+        ++*this;
+        return before;
+    }
+    friend bool operator==(const CXmlItemIterator& a, const CXmlItemIterator& b) { return a.m_node == b.m_node; }
+    friend bool operator!=(const CXmlItemIterator& a, const CXmlItemIterator& b) { return a.m_node != b.m_node; }
+
+private:
+    const CXmlCollection::CNode* m_node = nullptr;
+};
+
+inline CXmlItemIterator<CXmlObjectBase> CXmlCollection::begin() { return CXmlItemIterator<CXmlObjectBase>(m_first); }
+inline CXmlItemIterator<CXmlObjectBase> CXmlCollection::end() { return CXmlItemIterator<CXmlObjectBase>(); }
+inline CXmlItemIterator<const CXmlObjectBase> CXmlCollection::begin() const {
+    return CXmlItemIterator<const CXmlObjectBase>(m_first);
+}
+inline CXmlItemIterator<const CXmlObjectBase> CXmlCollection::end() const {
+    return CXmlItemIterator<const CXmlObjectBase>();
+}
 
 }  // namespace QmXmlLib10
