@@ -14,12 +14,12 @@
 // Both sides free their objects untimed and the heap is trimmed before each
 // read, so both fault in their objects' memory afresh.
 //
-// gSOAP reads with SOAP_XML_STRICT (occurrence, length, range and enumeration
-// checks; unknown elements are errors), SOAP_XML_TREE (no id/href graph) and
-// SOAP_C_UTFSTRING (strings stay UTF-8, as ours); it writes with
-// SOAP_XML_INDENT in addition. Its pattern facets go through its validation
-// hook, which here runs the same PCRE2 matches ours does (JIT, compiled once
-// per pattern), so both check the same facets.
+// gSOAP reads with SOAP_XML_STRICT (its validating mode: the facets its
+// generated code knows, such as the quantity range, are checked),
+// SOAP_XML_TREE (no id/href graph) and SOAP_C_UTFSTRING (strings stay UTF-8,
+// as ours); it writes with SOAP_XML_INDENT in addition. Its pattern facets
+// go through its validation hook, which here runs the same PCRE2 matches ours
+// does (JIT, compiled once per pattern), so both check the same facets.
 //
 // The program checks that both read the whole book alike (orders, lines, sum
 // of quantities, bytes of descriptions) and that gSOAP refuses a book with a
@@ -216,8 +216,9 @@ public:
     std::string Write(const _ns1__Orders& book) {
         std::string out;
         g_output = &out;
-        if (soap_write__ns1__Orders(m_soap, &book) != SOAP_OK) throw CQmException("gSOAP could not write the book");
+        const bool written = soap_write__ns1__Orders(m_soap, &book) == SOAP_OK;
         g_output = nullptr;
+        if (!written) throw CQmException("gSOAP could not write the book");
         return out;
     }
     void PrintError() { soap_print_fault(m_soap, stderr); }
