@@ -2,7 +2,8 @@
 # Installs the Debian packages the build and the tests need, when any is missing.
 set -euo pipefail
 packages=(g++ clang cmake make pkg-config libexpat1-dev libpcre2-dev zlib1g-dev
-          libgtest-dev libgmock-dev libbenchmark-dev libxml2-dev libclang-rt-14-dev libgmp-dev python3 libfastinfoset-java openjdk-17-jdk-headless)
+          libgtest-dev libgmock-dev libbenchmark-dev libxml2-dev libclang-rt-14-dev libgmp-dev python3 libfastinfoset-java openjdk-17-jdk-headless
+          gsoap libgsoap-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
