@@ -1813,7 +1813,12 @@ void CSchemaLoader::SettleAttributeGroups() {
     // Post-order over references, explicit stack; a group on the stack seen
     // again is a cycle.
     std::unordered_map<const CAttributeGroup*, int> state;  // 1 visiting, 2 done
-    for (auto& entry : m_attributeGroupItems) {
+    // Document order, so that the same schema always reports the same group.
+    std::vector<const CAttributeGroup*> order;
+    for (const Global& g : m_globals)
+        if (g.component->GetKind() == ComponentKind::AttributeGroup)
+            order.push_back(static_cast<const CAttributeGroup*>(g.component));
+    for (const CAttributeGroup* start : order) {
         struct Frame {
             CAttributeGroup* group;
             std::size_t next;
@@ -1827,7 +1832,7 @@ void CSchemaLoader::SettleAttributeGroups() {
             state[g] = 1;
             stack.push_back({const_cast<CAttributeGroup*>(g), 0});
         };
-        enter(entry.first);
+        enter(start);
         while (!stack.empty()) {
             Frame& f = stack.back();
             const AttributeItems& items = m_attributeGroupItems[f.group];
@@ -1848,7 +1853,12 @@ void CSchemaLoader::SettleModelGroups() {
         gp.first->modelGroup = gp.second->modelGroup;
     }
     std::unordered_map<const CModelGroupDefinition*, int> state;
-    for (const auto& entry : m_groupRefs) {
+    // Document order, so that the same schema always reports the same group.
+    std::vector<const CModelGroupDefinition*> order;
+    for (const Global& g : m_globals)
+        if (g.component->GetKind() == ComponentKind::ModelGroupDefinition)
+            order.push_back(static_cast<const CModelGroupDefinition*>(g.component));
+    for (const CModelGroupDefinition* start : order) {
         struct Frame {
             const CModelGroupDefinition* group;
             std::size_t next;
@@ -1864,7 +1874,7 @@ void CSchemaLoader::SettleModelGroups() {
             state[g] = 1;
             stack.push_back({g, 0});
         };
-        enter(entry.first);
+        enter(start);
         while (!stack.empty()) {
             Frame& f = stack.back();
             const auto refs = m_groupRefs.find(f.group);
@@ -2018,15 +2028,20 @@ void CSchemaLoader::Finish() {
     m_current = nullptr;
     SettleModelGroups();
     SettleAttributeGroups();
-    std::vector<CSimpleType*> simples;
-    for (const auto& entry : m_simple) simples.push_back(const_cast<CSimpleType*>(entry.first));
     // Stable order for the same schema: by creation in the arena.
-    for (auto& owned : m_set.components)
-        if (owned->GetKind() == ComponentKind::SimpleType && m_simple.count(static_cast<CSimpleType*>(owned.get())))
-            DeriveSimpleType(static_cast<CSimpleType*>(owned.get()));
-    for (auto& owned : m_set.components)
-        if (owned->GetKind() == ComponentKind::ComplexType && m_complex.count(static_cast<CComplexType*>(owned.get())))
-            DeriveComplexType(static_cast<CComplexType*>(owned.get()));
+    // Deriving creates components (combined content models, wildcards), so
+    // the arena is walked by index over what existed before.
+    const std::size_t existing = m_set.components.size();
+    for (std::size_t i = 0; i < existing; ++i) {
+        CSchemaComponent* c = m_set.components[i].get();
+        if (c->GetKind() == ComponentKind::SimpleType && m_simple.count(static_cast<CSimpleType*>(c)))
+            DeriveSimpleType(static_cast<CSimpleType*>(c));
+    }
+    for (std::size_t i = 0; i < existing; ++i) {
+        CSchemaComponent* c = m_set.components[i].get();
+        if (c->GetKind() == ComponentKind::ComplexType && m_complex.count(static_cast<CComplexType*>(c)))
+            DeriveComplexType(static_cast<CComplexType*>(c));
+    }
     SettleSubstitutionGroups();
     for (const auto& entry : m_keyrefs) {
         CIdentityConstraint* keyref = entry.second;

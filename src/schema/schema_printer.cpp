@@ -201,7 +201,24 @@ private:
             case CComplexType::ContentType::ElementOnly: Line(indent + 1, "content element-only"); break;
             case CComplexType::ContentType::Mixed: Line(indent + 1, "content mixed"); break;
         }
-        if (c->contentModel != nullptr) m_queue.push_back({Kind::Particle, indent + 1, {}, nullptr, c->contentModel});
+        const CParticle* content = c->contentModel;
+        // An extension's content model starts with its base's: named, not
+        // repeated, so that the output grows with the schema, not with the
+        // square of its derivation depth.
+        const CComplexType* base = c->baseType != nullptr && !c->baseType->IsSimple() ? static_cast<const CComplexType*>(c->baseType) : nullptr;
+        if (content != nullptr && base != nullptr && c->derivationMethod == Derivation_Extension && base->contentModel != nullptr) {
+            if (content == base->contentModel) {
+                Line(indent + 1, "content model of " + TypeName(base));
+                content = nullptr;
+            } else if (content->modelGroup != nullptr && content->modelGroup->particles.size() == 2 &&
+                       content->modelGroup->particles[0] == base->contentModel) {
+                Line(indent + 1, "sequence [1..1]");
+                Line(indent + 2, "content model of " + TypeName(base));
+                m_queue.push_back({Kind::Particle, indent + 2, {}, nullptr, content->modelGroup->particles[1]});
+                content = nullptr;
+            }
+        }
+        if (content != nullptr) m_queue.push_back({Kind::Particle, indent + 1, {}, nullptr, content});
         Attributes(c->attributeUses, c->attributeWildcard, indent + 1);
     }
     void ExpandParticle(const CParticle* p, int indent) {
