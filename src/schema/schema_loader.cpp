@@ -24,6 +24,8 @@
 #include "qmxml/types/restrictions.h"
 #include "schema/lexical_check.h"
 #include "schema/schema_set_impl.h"
+#include "schema/particle_restriction.h"
+#include "schema/xpath_check.h"
 
 namespace QmXmlLib10 {
 namespace Schema {
@@ -1340,6 +1342,14 @@ void CSchemaLoader::ReadIdentityConstraint(const Node* node, CElementDeclaration
             if (!c->Is("annotation")) Fail(c, "The element [" + c->local + "] is not allowed in [" + n->local + "]");
         const std::string* x = n->Attr("xpath");
         if (x == nullptr || Trim(*x).empty()) Fail(n, "A " + n->local + " must have an xpath");
+        const auto declared = [n](const std::string& prefix) {
+            for (const Scope* s = n->scope; s != nullptr; s = s->parent)
+                for (const auto& d : s->declarations)
+                    if (d.first == prefix) return !d.second.empty();
+            return prefix == "xml";
+        };
+        if (!IsIdentityXPath(*x, n->local == "field", declared))
+            Fail(n, "The xpath [" + *x + "] is not a valid " + n->local + " expression");
         return *x;
     };
     ic->selector = xpath(node->children[i++]);
@@ -1703,6 +1713,11 @@ void CSchemaLoader::DeriveComplexTypeStep(CComplexType* type) {
                 Fail(node, "A restriction of " + TypeLabel(base) + " must not have content: its base is empty");
             type->contentType = ownKind;
             type->contentModel = ownEmpty ? nullptr : info.ownParticle;
+            if (cb != m_set.anyType && (cb->contentType == CComplexType::ContentType::ElementOnly ||
+                                        cb->contentType == CComplexType::ContentType::Mixed) &&
+                !IsValidParticleRestriction(type->contentModel, cb->contentModel))
+                Fail(node, "The content model is not a valid restriction of the content model of the base type " +
+                               TypeLabel(base));
         } else if (cb->contentType == CComplexType::ContentType::Simple) {
             if (!ownEmpty) Fail(node, "An extension of " + TypeLabel(base) + " must not add elements to its simple content");
             type->contentType = CComplexType::ContentType::Simple;
@@ -2037,12 +2052,13 @@ void CSchemaLoader::Finish() {
         if (c->GetKind() == ComponentKind::SimpleType && m_simple.count(static_cast<CSimpleType*>(c)))
             DeriveSimpleType(static_cast<CSimpleType*>(c));
     }
+    // Substitution groups before complex types: restrictions may use members.
+    SettleSubstitutionGroups();
     for (std::size_t i = 0; i < existing; ++i) {
         CSchemaComponent* c = m_set.components[i].get();
         if (c->GetKind() == ComponentKind::ComplexType && m_complex.count(static_cast<CComplexType*>(c)))
             DeriveComplexType(static_cast<CComplexType*>(c));
     }
-    SettleSubstitutionGroups();
     for (const auto& entry : m_keyrefs) {
         CIdentityConstraint* keyref = entry.second;
         const CIdentityConstraint* key = Lookup(m_set.identityConstraints, entry.first,

@@ -105,6 +105,22 @@ const BadSchema kBadSchemas[] = {
     {"InvalidPattern", "<xs:simpleType name='S'><xs:restriction base='xs:string'><xs:pattern value='(a'/></xs:restriction></xs:simpleType>",
      "In [(buffer)] at [/schema/simpleType[S]/restriction]: The pattern [(a] is not a valid regular expression\n\n"
      "Invalid Regular Expression: (a Error: 'missing closing parenthesis'"},
+    {"InvalidSelectorXPath", "<xs:element name='r'><xs:key name='k'><xs:selector xpath='@a'/><xs:field xpath='@x'/></xs:key></xs:element>",
+     "In [(buffer)] at [/schema/element[r]/key[k]/selector]: The xpath [@a] is not a valid selector expression"},
+    {"FieldXPathWithUndeclaredPrefix", "<xs:element name='r'><xs:unique name='u'><xs:selector xpath='.//a'/><xs:field xpath='q:b/@c'/></xs:unique></xs:element>",
+     "In [(buffer)] at [/schema/element[r]/unique[u]/field]: The xpath [q:b/@c] is not a valid field expression"},
+    {"RestrictionAddsAnElement", "<xs:complexType name='B'><xs:sequence><xs:element name='a'/></xs:sequence></xs:complexType>"
+     "<xs:complexType name='R'><xs:complexContent><xs:restriction base='B'><xs:sequence><xs:element name='a'/><xs:element name='b'/>"
+     "</xs:sequence></xs:restriction></xs:complexContent></xs:complexType>",
+     "In [(buffer)] at [/schema/complexType[R]]: The content model is not a valid restriction of the content model of the base type [{urn:t}B]"},
+    {"RestrictionWidensOccurrence", "<xs:complexType name='B'><xs:sequence><xs:element name='a' maxOccurs='2'/></xs:sequence></xs:complexType>"
+     "<xs:complexType name='R'><xs:complexContent><xs:restriction base='B'><xs:sequence><xs:element name='a' maxOccurs='3'/>"
+     "</xs:sequence></xs:restriction></xs:complexContent></xs:complexType>",
+     "In [(buffer)] at [/schema/complexType[R]]: The content model is not a valid restriction of the content model of the base type [{urn:t}B]"},
+    {"RestrictionDropsARequiredElement", "<xs:complexType name='B'><xs:sequence><xs:element name='a'/><xs:element name='b'/></xs:sequence></xs:complexType>"
+     "<xs:complexType name='R'><xs:complexContent><xs:restriction base='B'><xs:sequence><xs:element name='b'/>"
+     "</xs:sequence></xs:restriction></xs:complexContent></xs:complexType>",
+     "In [(buffer)] at [/schema/complexType[R]]: The content model is not a valid restriction of the content model of the base type [{urn:t}B]"},
     {"AnnotationNotFirst", "<xs:element name='e'><xs:complexType/><xs:annotation/></xs:element>",
      "In [(buffer)] at [/schema/element[e]/annotation]: An annotation must be the first child of [element]"},
 };

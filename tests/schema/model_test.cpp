@@ -84,6 +84,23 @@ TEST(SchemaModel, RestrictionReplacesAndProhibitsAttributes) {
     EXPECT_EQ(r->contentType, CComplexType::ContentType::Empty);
 }
 
+TEST(SchemaModel, ContentRestrictionsThatNarrowLoad) {
+    // Optional elements dropped, occurrences narrowed, choices reordered,
+    // substitution group members in place of their head, wildcards narrowed.
+    auto set = CSchemaSet::LoadBuffer(Xsd(R"(
+      <xs:element name='head'/><xs:element name='m1' substitutionGroup='head'/>
+      <xs:complexType name='B'><xs:sequence>
+        <xs:element name='a' minOccurs='0' maxOccurs='5'/><xs:element name='b' minOccurs='0'/>
+        <xs:choice><xs:element name='c'/><xs:element name='d'/></xs:choice>
+        <xs:element ref='head'/><xs:any namespace='##any' minOccurs='0' maxOccurs='unbounded'/></xs:sequence></xs:complexType>
+      <xs:complexType name='R'><xs:complexContent><xs:restriction base='B'><xs:sequence>
+        <xs:element name='a' minOccurs='1' maxOccurs='2'/>
+        <xs:choice><xs:element name='d'/><xs:element name='c'/></xs:choice>
+        <xs:element ref='m1'/><xs:any namespace='##other' processContents='strict'/></xs:sequence>
+      </xs:restriction></xs:complexContent></xs:complexType>)"));
+    EXPECT_EQ(set->FindComplexType({"urn:t", "R"})->contentModel->modelGroup->particles.size(), 4u);
+}
+
 TEST(SchemaModel, SimpleContentByExtensionAndRestriction) {
     auto set = CSchemaSet::LoadBuffer(Xsd(R"(
       <xs:complexType name='Price'><xs:simpleContent><xs:extension base='xs:decimal'>
