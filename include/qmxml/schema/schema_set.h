@@ -83,8 +83,9 @@ public:
     const CIdentityConstraint* FindIdentityConstraint(const CQName& name) const;
 
     // The user's global components in load order (documents in the order they
-    // were read, components in document order). Built-ins are not listed; the
-    // xml: attributes are, once the XML namespace was imported.
+    // were read, components in document order). Built-ins are not listed, nor
+    // the built-in xml: attributes (a schema document read for the XML
+    // namespace replaces those it repeats, and its components are listed).
     const std::vector<const CTypeDefinition*>& GetTypes() const noexcept;
     const std::vector<const CElementDeclaration*>& GetElements() const noexcept;
     const std::vector<const CAttributeDeclaration*>& GetAttributes() const noexcept;
