@@ -1,0 +1,37 @@
+// What simple and complex type definitions share.
+#pragma once
+
+#include "qmxml/schema/component.h"
+
+namespace QmXmlLib10 {
+namespace Schema {
+
+// A type definition: XML Schema's {name}, {target namespace}, {base type
+// definition}, {derivation method} and {final}.
+class CTypeDefinition : public CSchemaComponent {
+public:
+    using CSchemaComponent::CSchemaComponent;
+    ~CTypeDefinition() override;
+
+    bool IsSimple() const noexcept { return GetKind() == ComponentKind::SimpleType; }
+    bool IsAnonymous() const noexcept { return name.IsEmpty(); }
+
+    // Empty local name for an anonymous type; the namespace is the target
+    // namespace of the schema document either way.
+    CQName name;
+    // anyType's base is anyType itself; every other type has another base.
+    const CTypeDefinition* baseType = nullptr;
+    // Derivation_Extension or Derivation_Restriction (simple types: restriction,
+    // also for lists and unions, whose base is anySimpleType).
+    DerivationFlags derivationMethod = Derivation_Restriction;
+    // {final}: a set of Derivation_* flags.
+    unsigned final = Derivation_None;
+    // True for the built-in types of XML Schema.
+    bool builtIn = false;
+
+    // True when this type is other or derives from it (any number of steps).
+    bool DerivesFrom(const CTypeDefinition* other) const noexcept;
+};
+
+}  // namespace Schema
+}  // namespace QmXmlLib10
