@@ -26,6 +26,9 @@ struct Placement {
     const char* before;  // the unknown elements go in front of the first occurrence
 };
 
+// CTest lists each case by its name, not by its bytes.
+void PrintTo(const Placement& p, std::ostream* out) { *out << p.name; }
+
 // One order that fills every kind of member: class, class collection, simple
 // collection, inlined sequence, inlined choice, abstract member and collection.
 const std::string kFullOrder =
