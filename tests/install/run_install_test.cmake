@@ -25,6 +25,11 @@ run(${CONSUMER_BUILD}/schema_consumer)
 if(NOT last_output MATCHES "schema element e : ")
   message(FATAL_ERROR "unexpected schema consumer output: ${last_output}")
 endif()
+# The installed tool runs from the prefix alone and reads the installed example.
+run(${PREFIX}/bin/qmxml info ${PREFIX}/share/qmxml/orders.xml)
+if(NOT last_output MATCHES "elements: +6255")
+  message(FATAL_ERROR "unexpected output of the installed tool: ${last_output}")
+endif()
 # The pkg-config file is installed and names the library.
 file(READ ${PREFIX}/lib/pkgconfig/qmxml.pc pc)
 if(NOT pc MATCHES "-lqmxml")
