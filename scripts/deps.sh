@@ -1,9 +1,19 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build and the tests need, when any is missing.
+# Installs the Debian packages that are missing: with "build", only what
+# building the library, the tool and the examples needs; with "test" (the
+# default), also what the tests, fuzz targets and benchmarks need (GoogleTest,
+# Google Benchmark, GMP, libxml2, clang's fuzzer runtime, the Java Fast Infoset
+# reference implementation, gSOAP).
 set -euo pipefail
-packages=(g++ clang cmake make pkg-config libexpat1-dev libpcre2-dev zlib1g-dev
-          libgtest-dev libgmock-dev libbenchmark-dev libxml2-dev libclang-rt-14-dev libgmp-dev python3 libfastinfoset-java openjdk-17-jdk-headless
-          gsoap libgsoap-dev)
+mode=${1:-test}
+packages=(g++ cmake make pkg-config libexpat1-dev libpcre2-dev zlib1g-dev)
+case "$mode" in
+  build) ;;
+  test)
+    packages+=(clang libgtest-dev libgmock-dev libbenchmark-dev libxml2-dev libxml2-utils libclang-rt-14-dev libgmp-dev
+               python3 libfastinfoset-java openjdk-17-jdk-headless gsoap libgsoap-dev) ;;
+  *) echo "usage: deps.sh [build|test]" >&2; exit 2 ;;
+esac
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
