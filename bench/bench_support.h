@@ -3,6 +3,7 @@
 #pragma once
 
 #include <benchmark/benchmark.h>
+#include <expat.h>
 #include <malloc.h>
 
 #include <qmxml/dom/xml_document.h>
@@ -60,6 +61,29 @@ bool GenerateOrderBook(long orders, Bytes& out, std::string* command = nullptr) 
     }
     std::remove(path);
     return generated && !out.empty();
+}
+
+// Fills `out` with an order book of about QMXML_BENCH_MB megabytes
+// (gen_orders.py writes about 1086 bytes per order).
+inline bool GenerateOrderBookOfEnvironmentSize(std::string& out) {
+    const long orders = std::max(1L, static_cast<long>(MegabytesFromEnvironment() * 1e6 / 1086));
+    return GenerateOrderBook(orders, out);
+}
+
+// Expat alone on the whole input, namespaces on, callbacks that do nothing:
+// the floor every binder's read is compared with.
+inline bool ParseWithExpatAlone(const std::string& input) {
+    struct NoOp {
+        static void XMLCALL Start(void*, const XML_Char*, const XML_Char**) {}
+        static void XMLCALL End(void*, const XML_Char*) {}
+        static void XMLCALL Text(void*, const XML_Char*, int) {}
+    };
+    XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
+    XML_SetElementHandler(parser, &NoOp::Start, &NoOp::End);
+    XML_SetCharacterDataHandler(parser, &NoOp::Text);
+    const bool ok = XML_Parse(parser, input.data(), static_cast<int>(input.size()), 1) == XML_STATUS_OK;
+    XML_ParserFree(parser);
+    return ok;
 }
 
 // Calls fn with one item per benchmark iteration, going round the items.

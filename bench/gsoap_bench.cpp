@@ -30,7 +30,6 @@
 // The book is made by bench/gen_orders.py at start-up: QMXML_BENCH_MB
 // megabytes (default 50).
 #define PCRE2_CODE_UNIT_WIDTH 8
-#include <expat.h>
 #include <malloc.h>
 #include <pcre2.h>
 
@@ -53,24 +52,8 @@ namespace {
 
 std::string g_input;
 
-bool MakeInput() {
-    // gen_orders.py writes about 1086 bytes per order.
-    const long orders = std::max(1L, static_cast<long>(bench::MegabytesFromEnvironment() * 1e6 / 1086));
-    return bench::GenerateOrderBook(orders, g_input);
-}
-
-void XMLCALL NoStart(void*, const XML_Char*, const XML_Char**) {}
-void XMLCALL NoEnd(void*, const XML_Char*) {}
-void XMLCALL NoText(void*, const XML_Char*, int) {}
-
-bool ExpatAlone() {
-    XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
-    XML_SetElementHandler(parser, &NoStart, &NoEnd);
-    XML_SetCharacterDataHandler(parser, &NoText);
-    const bool ok = XML_Parse(parser, g_input.data(), static_cast<int>(g_input.size()), 1) == XML_STATUS_OK;
-    XML_ParserFree(parser);
-    return ok;
-}
+bool MakeInput() { return bench::GenerateOrderBookOfEnvironmentSize(g_input); }
+bool ExpatAlone() { return bench::ParseWithExpatAlone(g_input); }
 
 unsigned char* InputBytes() { return reinterpret_cast<unsigned char*>(&g_input[0]); }
 std::uint32_t InputLength() { return static_cast<std::uint32_t>(g_input.size()); }
