@@ -64,7 +64,8 @@ TEST(Exception, AssignmentIsDeepAndSelfSafe) {
     b = a;
     EXPECT_EQ(b.GetFullMessage(), "a\n\nx");
     EXPECT_NE(b.GetInnerException(), a.GetInnerException());
-    b = b;
+    const CQmException& alsoB = b;  // through a reference, as self-assignment happens in real code
+    b = alsoB;
     EXPECT_EQ(b.GetFullMessage(), "a\n\nx");
     // Assigning an exception its own cause must not read freed memory.
     b = *b.GetInnerException();

@@ -29,7 +29,8 @@ TEST(ObjectBase, ReferenceCountingDeletesOnLastRelease) {
         EXPECT_TRUE(a == b);
         CSmartPtr<CXmlObjectBase> base = a;
         EXPECT_EQ(static_cast<CXmlObjectBase*>(base), static_cast<CXmlObjectBase*>(a.Get()));
-        a = a;  // self-assignment keeps the object alive
+        const auto& alsoA = a;  // self-assignment, as it happens through a reference
+        a = alsoA;  // keeps the object alive
         a = a.Get();
         EXPECT_EQ(a->GetElementName(), "y");
         b = nullptr;

@@ -258,7 +258,8 @@ TEST(QmVariantTest, CopiesValuesDeeplyAndSharesObjects) {
             EXPECT_EQ(object, c.GetXmlObject().Get());
         }
         EXPECT_EQ(1, object->GetRefCount());
-        a = a;  // self-assignment keeps the reference
+        const QmVariant& alsoA = a;  // self-assignment, as it happens through a reference
+        a = alsoA;  // keeps the reference
         EXPECT_EQ(1, object->GetRefCount());
         EXPECT_EQ(0, destroyed.load());
         a.SetI4(1);  // replacing the value lets go of the object
