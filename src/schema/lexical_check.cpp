@@ -5,13 +5,13 @@
 
 #include "qmxml/core/exception.h"
 #include "qmxml/types/restrictions.h"
+#include "qmxml/types/whitespace.h"
 
 namespace QmXmlLib10 {
 namespace Schema {
 
 namespace {
 
-bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Lexical forms of the date, time and duration primitives, in XML Schema's own
@@ -167,19 +167,16 @@ bool IsNCNameLiteral(const std::string& s) {
 }
 
 std::string NormalizeWhiteSpace(const std::string& text, WhiteSpace whiteSpace) {
-    if (whiteSpace == WhiteSpace::Preserve) return text;
-    std::string out;
-    out.reserve(text.size());
-    for (const char c : text) out.push_back(IsSpace(c) ? ' ' : c);
-    if (whiteSpace == WhiteSpace::Replace) return out;
-    std::string collapsed;
-    collapsed.reserve(out.size());
-    for (const char c : out) {
-        if (c == ' ' && (collapsed.empty() || collapsed.back() == ' ')) continue;
-        collapsed.push_back(c);
+    // The runtime's rules; texts from a parsed document hold no CR LF pairs,
+    // the one place where its Replace departs from XML Schema's.
+    switch (whiteSpace) {
+        case WhiteSpace::Preserve:
+            return text;
+        case WhiteSpace::Replace:
+            return CWhitespaceUtils::Replace(text);
+        default:
+            return CWhitespaceUtils::Collapse(text);
     }
-    if (!collapsed.empty() && collapsed.back() == ' ') collapsed.pop_back();
-    return collapsed;
 }
 
 bool IsDecimalLiteral(const std::string& s, bool allowPoint) {

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "qmxml/types/whitespace.h"
 #include "schema/lexical_check.h"
 
 namespace QmXmlLib10 {
@@ -9,7 +10,7 @@ namespace Schema {
 
 namespace {
 
-bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+bool IsSpace(char c) { return CWhitespaceUtils::IsWhiteSpace(c); }
 
 bool IsNameChar(char c) {
     const unsigned char u = static_cast<unsigned char>(c);
