@@ -78,6 +78,10 @@ int CXmlObjectAccess::ReadPseudoChildAttributes(CXmlObjectBase* object, const CX
     return generated ? generated->TakePseudoChildAttributes(ctx, pending, validate) : 0;
 }
 
+bool CXmlGeneratedClass::HasSameClassAs(const CXmlGeneratedClass& other) const {
+    return typeid(*this) == typeid(other);
+}
+
 CXmlGeneratedClass::~CXmlGeneratedClass() = default;
 
 std::string CXmlGeneratedClass::GetElementName() const {
@@ -191,6 +195,9 @@ void CXmlGeneratedClass::WriteSimpleContent(CXmlWriter* writer) const {
     QmVariant value;
     ReadProperty(info->GetPrimitiveValuePropertyIndex(), value);
     if (!value.IsValid() || value.IsNil()) return;
+    if (const CPrimitiveRestrictions* facets = info->GetSimpleContentRestrictions()) {
+        CPrimitiveRestrictions::CheckRestriction(GetElementName(), value, info->GetPrimitiveDataType(), *facets);
+    }
     std::string scratch;
     const std::string_view text =
         QmXmlLib10Data::detail::ValueText(value, info->GetPrimitiveFormatOverride(), scratch);
@@ -291,10 +298,16 @@ void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element) {
     const CParentElementInfo* info = GetClassInfo();
     const ItemType type = info->GetPrimitiveDataType();
     // The built-in whitespace facet of the type: strings keep theirs.
-    const auto rule = type == ItemType_string ? CWhitespaceUtils::WhitespaceRule_Preserve
-                                              : CWhitespaceUtils::WhitespaceRule_Collapse;
+    const CPrimitiveRestrictions* facets = info->GetSimpleContentRestrictions();
+    const auto rule = facets != nullptr           ? info->GetSimpleContentWhitespaceRule()
+                      : type == ItemType_string ? CWhitespaceUtils::WhitespaceRule_Preserve
+                                                : CWhitespaceUtils::WhitespaceRule_Collapse;
     QmVariant value;
     value.FromString(element->GetText(), type, rule);
+    if (facets != nullptr) {
+        CPrimitiveRestrictions::CheckRestriction(element->GetLocalName(), value, type, *facets, element->GetText(),
+                                                 rule);
+    }
     AccessProperty(info->GetPrimitiveValuePropertyIndex(), false, value);
 }
 

@@ -31,6 +31,12 @@ CParentElementInfo::CParentElementInfo(XmlElementGroupType groupType, XmlElement
       m_primitiveFormatOverride(primitiveFormatOverride ? primitiveFormatOverride : ""),
       m_outputPrimitiveClassAsTextProperty(outputPrimitiveClassAsTextProperty) {}
 
+void CParentElementInfo::SetSimpleContentRestrictions(const QmXmlLib10::CPrimitiveRestrictions& facets,
+                                                      QmXmlLib10::CWhitespaceUtils::WhitespaceRule rule) {
+    m_simpleContentFacets = std::make_shared<const QmXmlLib10::CPrimitiveRestrictions>(facets);
+    m_simpleContentRule = rule;
+}
+
 CParentElementInfo::~CParentElementInfo() = default;
 
 CElementInfo::CElementInfo(const char* name, const char* ns, int propertyIndex)

@@ -56,10 +56,12 @@ CFactoryPrototype::~CFactoryPrototype() {
     if (CXmlObjectBase* object = m_object.load(std::memory_order_acquire)) object->Release();
 }
 
-const CXmlObjectBase* CFactoryPrototype::Get(ClassFactory factory, int classIndex, const char* elementName) const {
+const CXmlObjectBase* CFactoryPrototype::Get(ClassFactory factory, const IClassFactory* contextFactory,
+                                             int classIndex, const char* elementName) const {
     if (CXmlObjectBase* object = m_object.load(std::memory_order_acquire)) return object;
-    if (factory == nullptr) return nullptr;
-    CSmartPtr<CXmlObjectBase> made = factory(classIndex, elementName);
+    CSmartPtr<CXmlObjectBase> made = contextFactory ? contextFactory->CreateMember(classIndex, elementName)
+                                     : factory      ? factory(classIndex, elementName)
+                                                    : nullptr;
     if (!made) return nullptr;
     CXmlObjectBase* expected = nullptr;
     made->AddRef();  // the reference the prototype keeps
@@ -166,8 +168,25 @@ CElementInfoCls<Group, Mandatory>::CElementInfoCls(const char* name, const char*
       m_nillable(nillable) {}
 
 template <class Group, bool Mandatory>
+CElementInfoCls<Group, Mandatory>::CElementInfoCls(const char* name, const char* ns, int propertyIndex,
+                                                   XmlElementType elementType, const IClassFactory* factory,
+                                                   int classIndex, bool nillable)
+    : Group(name, ns, propertyIndex, !Mandatory),
+      m_elementType(elementType),
+      m_factory(nullptr),
+      m_contextFactory(factory),
+      m_classIndex(classIndex),
+      m_nillable(nillable) {}
+
+template <class Group, bool Mandatory>
+CSmartPtr<CXmlObjectBase> CElementInfoCls<Group, Mandatory>::Make() const {
+    if (m_contextFactory) return m_contextFactory->CreateMember(m_classIndex, this->GetElementName().c_str());
+    return m_factory ? m_factory(m_classIndex, this->GetElementName().c_str()) : nullptr;
+}
+
+template <class Group, bool Mandatory>
 CSmartPtr<CXmlObjectBase> CElementInfoCls<Group, Mandatory>::CreateObject() const {
-    CSmartPtr<CXmlObjectBase> created = m_factory ? m_factory(m_classIndex, this->GetElementName().c_str()) : nullptr;
+    CSmartPtr<CXmlObjectBase> created = Make();
     if (!created) {
         throw CQmException(FormatString("The class factory created no object for the element [%s]",
                                         this->GetElementName().c_str()));
@@ -177,7 +196,7 @@ CSmartPtr<CXmlObjectBase> CElementInfoCls<Group, Mandatory>::CreateObject() cons
 
 template <class Group, bool Mandatory>
 const CXmlObjectBase* CElementInfoCls<Group, Mandatory>::Prototype() const {
-    return m_prototype.Get(m_factory, m_classIndex, this->GetElementName().c_str());
+    return m_prototype.Get(m_factory, m_contextFactory, m_classIndex, this->GetElementName().c_str());
 }
 
 template <class Group, bool Mandatory>
@@ -186,9 +205,11 @@ bool CElementInfoCls<Group, Mandatory>::DiffersFromDeclaredClass(const CXmlSeria
     // Only worth a look when an xsi:type could be written at all.
     if (!ctx.GetWriteTypeAttribute()) return false;
     const CXmlObjectBase* declared = Prototype();
-    if (declared == nullptr || typeid(*declared) == typeid(*member)) return false;
+    if (declared == nullptr) return false;
     const auto* generated = dynamic_cast<const CXmlGeneratedClass*>(member);
-    return generated && !generated->GetTypeName().empty();
+    const auto* declaredClass = dynamic_cast<const CXmlGeneratedClass*>(declared);
+    if (generated == nullptr || declaredClass == nullptr) return false;
+    return !generated->HasSameClassAs(*declaredClass) && !generated->GetTypeName().empty();
 }
 
 template <class Group, bool Mandatory>
@@ -221,7 +242,7 @@ void CElementInfoCls<Group, Mandatory>::PseudoChildAttributesFromXml(const CXmlS
     }
     if (pending.empty()) return;
     // An absent optional member whose attributes alone were written.
-    const CSmartPtr<CXmlObjectBase> created = m_factory ? m_factory(m_classIndex, this->GetElementName().c_str()) : nullptr;
+    const CSmartPtr<CXmlObjectBase> created = Make();
     if (created && CXmlObjectAccess::ReadPseudoChildAttributes(created, ctx, pending, false) > 0) {
         StoreObject(obj, this->GetPropertyIndex(), created);
     }
@@ -281,6 +302,23 @@ CElementInfoAbsCls<Group, Mandatory>::CElementInfoAbsCls(const char* name, const
       m_classIndex(classIndex) {}
 
 template <class Group, bool Mandatory>
+CElementInfoAbsCls<Group, Mandatory>::CElementInfoAbsCls(const char* name, const char* ns, int propertyIndex,
+                                                         XmlElementType elementType, const IClassFactory* factory,
+                                                         int classIndex)
+    : Group(name, ns, propertyIndex, !Mandatory),
+      m_elementType(elementType),
+      m_factory(nullptr),
+      m_contextFactory(factory),
+      m_classIndex(classIndex) {}
+
+template <class Group, bool Mandatory>
+CSmartPtr<CXmlObjectBase> CElementInfoAbsCls<Group, Mandatory>::MakeFor(CXmlElement* element) const {
+    if (element == nullptr) return nullptr;
+    if (m_contextFactory) return m_contextFactory->CreateForElement(m_classIndex, element);
+    return m_factory ? m_factory(element) : nullptr;
+}
+
+template <class Group, bool Mandatory>
 bool CElementInfoAbsCls<Group, Mandatory>::ElementToXml(const CXmlSerializationContext& ctx,
                                                         const CXmlGeneratedClass* obj, CXmlWriter* writer) const {
     // The declared class is abstract (or the head of the group): an object not
@@ -314,7 +352,7 @@ template <class Group, bool Mandatory>
 bool CElementInfoAbsCls<Group, Mandatory>::IsMemberElement(const CXmlSerializationContext&,
                                                            const CXmlGeneratedClass*,
                                                            const CXmlElement* element) const {
-    return element && m_factory && m_factory(const_cast<CXmlElement*>(element)) != nullptr;
+    return MakeFor(const_cast<CXmlElement*>(element)) != nullptr;
 }
 
 template <class Group, bool Mandatory>
@@ -324,7 +362,7 @@ bool CElementInfoAbsCls<Group, Mandatory>::ElementFromXml(const CXmlSerializatio
     const bool required = Mandatory && detail::IsSequence<Group>;
     CSmartPtr<CXmlObjectBase> member;
     for (;;) {
-        if (*current && m_factory) member = m_factory(*current);
+        member = MakeFor(*current);
         if (member) break;
         if (!required || ctx.GetIgnoreMissingMandatoryElements()) return false;
         if (ctx.GetIgnoreUnknownElements() && *current) {

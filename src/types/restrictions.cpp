@@ -171,6 +171,8 @@ CPrimitiveRestrictions::CPrimitiveRestrictions(const char* pattern, int minLengt
 
 CPrimitiveRestrictions::~CPrimitiveRestrictions() = default;
 
+CValueRule::~CValueRule() = default;
+
 // Filled at most once each, by the first check that needs it. std::call_once
 // costs a good part of a short match even when done, so a flag set after
 // filling lets later checks skip it.
@@ -395,21 +397,30 @@ void CPrimitiveRestrictions::CheckInteger(const std::string& memberName, const C
 void CPrimitiveRestrictions::CheckRestriction(const std::string& memberName, const QmVariant& value, ItemType type,
                                               const CPrimitiveRestrictions& facets, const std::string& text,
                                               CWhitespaceUtils::WhitespaceRule rule) {
-    // A variant of another type, or nil, takes the usual path and its errors.
-    if (!ChecksDocumentText(type) || value.IsNil() || value.GetTypeAsEnum() != type) {
-        return CheckRestriction(memberName, value, type, facets);
+    if (value.IsNil()) return;
+    const bool lengthsOrPattern = !facets.GetPattern().empty() || facets.GetMinLength() >= 0 ||
+                                  facets.GetMaxLength() >= 0 || facets.GetLength() >= 0;
+    if (!ChecksDocumentText(type) || value.GetTypeAsEnum() != type) {
+        // A variant of another type takes the usual path and its errors.
+        CheckFacets(memberName, value, type, facets);
+    } else if (lengthsOrPattern) {
+        CheckLexical(memberName, CWhitespaceUtils::ApplyRule(rule, text), facets);
     }
-    // The rule is applied again only when a facet will look at the text.
-    if (facets.GetPattern().empty() && facets.GetMinLength() < 0 && facets.GetMaxLength() < 0 &&
-        facets.GetLength() < 0) {
-        return;
+    if (facets.m_rule) {
+        const std::string normalized = CWhitespaceUtils::ApplyRule(rule, text);
+        facets.m_rule->Check(memberName, value, type, &normalized);
     }
-    CheckLexical(memberName, CWhitespaceUtils::ApplyRule(rule, text), facets);
 }
 
 void CPrimitiveRestrictions::CheckRestriction(const std::string& memberName, const QmVariant& value, ItemType type,
                                               const CPrimitiveRestrictions& facets) {
     if (value.IsNil()) return;  // nil content has no value to restrict
+    CheckFacets(memberName, value, type, facets);
+    if (facets.m_rule) facets.m_rule->Check(memberName, value, type, nullptr);
+}
+
+void CPrimitiveRestrictions::CheckFacets(const std::string& memberName, const QmVariant& value, ItemType type,
+                                         const CPrimitiveRestrictions& facets) {
     // Without facets every check passes; only the getter's type test remains.
     if (value.GetTypeAsEnum() == type && type >= ItemType_hexBinary && type <= ItemType_integer &&
         IsUnrestricted(facets)) {

@@ -20,6 +20,8 @@ class CXmlTypeCollection : public CXmlCollectionBase {
 public:
     ItemType GetItemType() const { return m_itemType; }
     const CPrimitiveRestrictions& GetRestrictions() const { return m_restrictions; }
+    // A schema rule checked after the facets on every item (see CValueRule).
+    void SetValueRule(std::shared_ptr<const CValueRule> rule) { m_restrictions.SetValueRule(std::move(rule)); }
     CWhitespaceUtils::WhitespaceRule GetWhitespaceRule() const { return m_whitespaceRule; }
     const std::string& GetFormat() const { return m_format; }
 

@@ -121,6 +121,9 @@ public:
 
     // The schema type name written in xsi:type; empty writes none.
     virtual std::string GetTypeName() const { return std::string(); }
+    // Whether the two objects are of one class, as xsi:type tells classes
+    // apart: by C++ type, unless a class built at run time says otherwise.
+    virtual bool HasSameClassAs(const CXmlGeneratedClass& other) const;
 
     // The recorded element name when there is one, else the parent info's.
     std::string GetElementName() const override;

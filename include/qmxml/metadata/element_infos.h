@@ -24,6 +24,23 @@ using ClassFactory = CSmartPtr<CXmlObjectBase> (*)(int classIndex, const char* e
 // null when no class fits the element.
 using AbstractClassFactory = CSmartPtr<CXmlObjectBase> (*)(CXmlElement* element);
 using EnumToString = const char* (*)(int value);
+
+// A class factory that carries context, beside the plain function pointers:
+// classes whose metadata is built at run time (from a schema the program
+// loads) need to know which set of classes they belong to, and several such
+// sets may live in one process. Must be usable from several threads at once
+// and outlive the infos that use it.
+class IClassFactory {
+public:
+    // As ClassFactory: the object of a class member.
+    virtual CSmartPtr<CXmlObjectBase> CreateMember(int classIndex, const char* elementName) const = 0;
+    // As AbstractClassFactory: the concrete object for an element of an
+    // abstract or substitutable member declared with classIndex, or null.
+    virtual CSmartPtr<CXmlObjectBase> CreateForElement(int classIndex, CXmlElement* element) const = 0;
+
+protected:
+    ~IClassFactory() = default;
+};
 using EnumFromString = int (*)(const char* text);
 
 namespace detail {
@@ -40,7 +57,8 @@ public:
     ~CFactoryPrototype();
 
     // Null when the factory made nothing (it is then asked again next time).
-    const CXmlObjectBase* Get(ClassFactory factory, int classIndex, const char* elementName) const;
+    const CXmlObjectBase* Get(ClassFactory factory, const IClassFactory* contextFactory, int classIndex,
+                              const char* elementName) const;
 
 private:
     mutable std::atomic<CXmlObjectBase*> m_object{nullptr};
@@ -124,6 +142,8 @@ class CElementInfoCls : public Group {
 public:
     CElementInfoCls(const char* name, const char* ns, int propertyIndex, XmlElementType elementType,
                     ClassFactory factory, int classIndex, bool nillable = true);
+    CElementInfoCls(const char* name, const char* ns, int propertyIndex, XmlElementType elementType,
+                    const IClassFactory* factory, int classIndex, bool nillable = true);
 
     bool ElementToXml(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj,
                       CXmlWriter* writer) const override;
@@ -143,6 +163,8 @@ public:
 
 private:
     CSmartPtr<CXmlObjectBase> CreateObject() const;
+    // The factory's object, or null.
+    CSmartPtr<CXmlObjectBase> Make() const;
     // The declared class's object as the factory makes it: what "the declared
     // class" is when writing, and what answers "would an absent optional
     // inlined member claim this element?" without making an object per question.
@@ -151,6 +173,7 @@ private:
 
     XmlElementType m_elementType;
     ClassFactory m_factory;
+    const IClassFactory* m_contextFactory = nullptr;
     int m_classIndex;
     bool m_nillable;
     detail::CFactoryPrototype m_prototype;
@@ -167,6 +190,8 @@ class CElementInfoAbsCls : public Group {
 public:
     CElementInfoAbsCls(const char* name, const char* ns, int propertyIndex, XmlElementType elementType,
                        AbstractClassFactory factory, int classIndex = 0);
+    CElementInfoAbsCls(const char* name, const char* ns, int propertyIndex, XmlElementType elementType,
+                       const IClassFactory* factory, int classIndex);
 
     bool ElementToXml(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* obj,
                       CXmlWriter* writer) const override;
@@ -183,8 +208,12 @@ public:
     XmlElementType GetElementType() const { return m_elementType; }
 
 private:
+    // The concrete object for the element, or null.
+    CSmartPtr<CXmlObjectBase> MakeFor(CXmlElement* element) const;
+
     XmlElementType m_elementType;
     AbstractClassFactory m_factory;
+    const IClassFactory* m_contextFactory = nullptr;
     int m_classIndex;
 };
 

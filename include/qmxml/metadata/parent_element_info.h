@@ -2,9 +2,12 @@
 // element, and its simple content if it has any.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "qmxml/core/enums.h"
+#include "qmxml/types/restrictions.h"
+#include "qmxml/types/whitespace.h"
 
 namespace QmXmlLib10Data {
 
@@ -35,6 +38,19 @@ public:
     const std::string& GetPrimitiveFormatOverride() const { return m_primitiveFormatOverride; }
     bool GetOutputPrimitiveClassAsTextProperty() const { return m_outputPrimitiveClassAsTextProperty; }
 
+    // Facets and whitespace rule of the simple content. Classes that set none
+    // read it under the type's built-in rule and check nothing beyond the
+    // conversion; schema-derived classes set their type's.
+    void SetSimpleContentRestrictions(const QmXmlLib10::CPrimitiveRestrictions& facets,
+                                      QmXmlLib10::CWhitespaceUtils::WhitespaceRule rule);
+    // Null when none were set.
+    const QmXmlLib10::CPrimitiveRestrictions* GetSimpleContentRestrictions() const {
+        return m_simpleContentFacets.get();
+    }
+    QmXmlLib10::CWhitespaceUtils::WhitespaceRule GetSimpleContentWhitespaceRule() const {
+        return m_simpleContentRule;
+    }
+
     // True when the class has simple content (index not -1 and a data type).
     bool HasSimpleContent() const {
         return m_primitiveValuePropertyIndex != -1 && m_primitiveDataType != QmXmlLib10::ItemType_None;
@@ -51,6 +67,9 @@ private:
     ItemType m_primitiveDataType;
     std::string m_primitiveFormatOverride;
     bool m_outputPrimitiveClassAsTextProperty;
+    std::shared_ptr<const QmXmlLib10::CPrimitiveRestrictions> m_simpleContentFacets;
+    QmXmlLib10::CWhitespaceUtils::WhitespaceRule m_simpleContentRule =
+        QmXmlLib10::CWhitespaceUtils::WhitespaceRule_Preserve;
 };
 
 }  // namespace QmXmlLib10Data

@@ -18,6 +18,21 @@ class CDateTimeSpan;
 class CDecimal;
 class QmVariant;
 
+// A check beyond the facets below, for members whose simple type comes from a
+// schema (enumerations of any type, digits, lengths in characters, lists,
+// unions, fixed values). The facets hold it by shared pointer, so copies of
+// the facets share one rule; it must be immutable and usable from any thread.
+class CValueRule {
+public:
+    virtual ~CValueRule();
+    // text: the lexical form the value was read from, after the member's
+    // whitespace rule; null when the value has no document text (set by the
+    // application, or being written). Throws CQmValidationException, as the
+    // facets do, when the value is not allowed.
+    virtual void Check(const std::string& memberName, const QmVariant& value, ItemType type,
+                       const std::string* text) const = 0;
+};
+
 // Facets as generated code declares them: "" and -1 mean unset. Bounds are kept
 // as text and parsed with the member's own type (under the collapse rule) at
 // every check; a bound that does not parse throws that conversion's
@@ -68,6 +83,10 @@ public:
     const std::string& GetMinExclusive() const { return m_minExclusive; }
     const std::string& GetMaxExclusive() const { return m_maxExclusive; }
     int GetLength() const { return m_length; }
+    // The rule checked after the facets (null: none). Not part of Changed():
+    // it prepares nothing.
+    const std::shared_ptr<const CValueRule>& GetValueRule() const { return m_rule; }
+    void SetValueRule(std::shared_ptr<const CValueRule> rule) { m_rule = std::move(rule); }
 
     void SetPattern(const std::string& pattern) {
         m_pattern = pattern;
@@ -205,6 +224,8 @@ private:
     const std::optional<T>* PreparedBounds(ItemType type, Parse parse) const;
     static void CheckLexical(const std::string& memberName, const std::string& value,
                              const CPrimitiveRestrictions& facets);
+    static void CheckFacets(const std::string& memberName, const QmVariant& value, ItemType type,
+                            const CPrimitiveRestrictions& facets);
     // Whether the type's facets are checked on the document's lexical form
     // when there is one; the one place to widen when more types check their
     // patterns on the lexical form.
@@ -219,6 +240,7 @@ private:
     std::string m_maxExclusive;
     int m_length = -1;
     std::shared_ptr<CPrepared> m_prepared;
+    std::shared_ptr<const CValueRule> m_rule;
 };
 
 }  // namespace QmXmlLib10
