@@ -415,7 +415,7 @@ CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateForElement(int classIndex, CXm
     if (const CXmlAttribute* xsiType = FindXsiType(element)) {
         const std::string local = LocalPart(xsiType->GetValue());
         const CTypeDefinition* named = nullptr;
-        const auto found = m_index->mapped.typeClasses.find(type);
+        const auto found = m_index->mapped.typeClasses.find({type, actual->name.ns});
         if (found != m_index->mapped.typeClasses.end()) {
             const CClassDescription& base = *m_classes[found->second];
             if (base.typeName.local == local) named = type;
@@ -427,7 +427,7 @@ CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateForElement(int classIndex, CXm
         type = named;
     }
     if (!type->IsSimple() && static_cast<const CComplexType*>(type)->abstract) return CSmartPtr<CXmlObjectBase>();
-    const auto found = m_index->mapped.typeClasses.find(type);
+    const auto found = m_index->mapped.typeClasses.find({type, actual->name.ns});
     if (found == m_index->mapped.typeClasses.end()) return CSmartPtr<CXmlObjectBase>();
     auto* object = new CDynamicObject(this, m_classes[found->second].get());
     CSmartPtr<CXmlObjectBase> made(object);

@@ -114,10 +114,10 @@ public:
         // Named types first, so that they keep their names and anonymous
         // types named after their elements give way on a clash.
         for (const CTypeDefinition* type : m_set.GetTypes()) {
-            if (!type->IsSimple() && !type->builtIn) ClassForType(type, type->name.local);
+            if (!type->IsSimple() && !type->builtIn) ClassForType(type, type->name.local, type->name.ns);
         }
         for (const CElementDeclaration* element : m_set.GetElements()) {
-            const int index = ClassForType(TypeOf(element), element->name.local);
+            const int index = ClassForType(TypeOf(element), element->name.local, element->name.ns);
             m_out.roots[{element->name.ns, element->name.local}] = index;
         }
         while (!m_pending.empty()) {
@@ -163,25 +163,35 @@ private:
         return static_cast<int>(m_out.classes.size()) - 1;
     }
 
-    int ClassForType(const CTypeDefinition* type, const std::string& hint) {
-        const auto found = m_out.typeClasses.find(type);
+    int ClassForType(const CTypeDefinition* type, const std::string& hint, const std::string& ns) {
+        const auto found = m_out.typeClasses.find({type, ns});
         if (found != m_out.typeClasses.end()) return found->second;
         const int index = NewClass(type->IsAnonymous() ? hint : type->name.local);
         CClassDescription& description = *m_out.classes[index];
+        description.elementNamespace = ns;
         if (!type->IsSimple()) {
             description.type = static_cast<const CComplexType*>(type);
             description.abstract = description.type->abstract;
         }
         if (!type->IsAnonymous()) description.typeName = type->name;
         if (type->IsSimple()) m_simpleClasses[index] = static_cast<const CSimpleType*>(type);
-        m_out.typeClasses[type] = index;
+        m_out.typeClasses[{type, ns}] = index;
+        // xsi:type may name any type derived from this one: each gets its
+        // class for elements of this namespace too.
+        if (m_hasDerived.count(type) != 0) {
+            for (const CTypeDefinition* other : m_set.GetTypes()) {
+                if (other != type && !other->IsSimple() && other->DerivesFrom(type))
+                    ClassForType(other, other->name.local, ns);
+            }
+        }
         return index;
     }
 
-    int ClassForGroup(const CModelGroup* group, const std::string& owner) {
+    int ClassForGroup(const CModelGroup* group, const std::string& owner, const std::string& ns) {
         const bool choice = group->compositor == CModelGroup::Compositor::Choice;
         const int index = NewClass(owner + (choice ? "Choice" : "Sequence"));
         CClassDescription& description = *m_out.classes[index];
+        description.elementNamespace = ns;
         description.group = group;
         description.elementType = choice ? XmlElementType_InlineChoice : XmlElementType_InlineSequence;
         return index;
@@ -194,7 +204,7 @@ private:
         ItemType valueType = ItemType_None;
         const CSimpleType* valueSimpleType = nullptr;
         std::string elementName = description.name;
-        std::string elementNamespace;
+        const std::string elementNamespace = description.elementNamespace;
         if (description.group != nullptr) {
             description.groupType = GroupOf(description.group->compositor);
             for (const CParticle* particle : description.group->particles)
@@ -202,7 +212,6 @@ private:
             elementName = description.group->compositor == CModelGroup::Compositor::Choice ? "Choice" : "Sequence";
         } else if (description.type != nullptr) {
             const CComplexType* type = description.type;
-            elementNamespace = type->name.ns;
             if (!type->IsAnonymous()) elementName = type->name.local;
             if (type->contentType == CComplexType::ContentType::Simple && type->simpleContentType != nullptr) {
                 valueSimpleType = type->simpleContentType;
@@ -344,7 +353,7 @@ private:
                                                                     runtime.facets));
             }
         } else {
-            const int classIndex = ClassForType(type, name);
+            const int classIndex = ClassForType(type, name, ns);
             property.classIndex = classIndex;
             const bool substitutable = IsSubstitutable(element, type);
             int substitution = -1;
@@ -414,7 +423,7 @@ private:
 
     void AddGroup(int index, CBuild& build, XmlElementGroupType groupType, const CParticle* particle) {
         const CModelGroup* group = particle->modelGroup;
-        const int classIndex = ClassForGroup(group, m_out.classes[index]->name);
+        const int classIndex = ClassForGroup(group, m_out.classes[index]->name, m_out.classes[index]->elementNamespace);
         const bool choice = group->compositor == CModelGroup::Compositor::Choice;
         const XmlElementType elementType = choice ? XmlElementType_InlineChoice : XmlElementType_InlineSequence;
         const bool collection = particle->maxOccurs > 1;
@@ -422,8 +431,7 @@ private:
         const bool mandatory = !emptiable && groupType != XmlElementGroupType_Choice;
         m_out.runtime[classIndex].mandatoryInlineChoice = choice && !emptiable && !collection;
         const std::string name = choice ? "Choice" : "Sequence";
-        const CComplexType* owner = m_out.classes[index]->type;
-        const std::string ns = owner ? owner->name.ns : std::string();
+        const std::string ns = m_out.classes[index]->elementNamespace;
         CPropertyDescription property;
         property.name = UniqueMemberName(build, name);
         property.kind = collection ? CPropertyDescription::Kind::Collection : CPropertyDescription::Kind::Object;
@@ -497,7 +505,7 @@ private:
             const CTypeDefinition* base = description->type->baseType;
             for (int guard = 0; base != nullptr && guard < 10000; ++guard) {
                 if (base == m_set.GetAnyType() || base->IsSimple()) break;
-                const auto found = m_out.typeClasses.find(base);
+                const auto found = m_out.typeClasses.find({base, description->elementNamespace});
                 if (found != m_out.typeClasses.end()) {
                     m_out.classes[found->second]->derivedClasses.push_back(description->index);
                 }

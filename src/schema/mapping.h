@@ -46,7 +46,8 @@ struct CMappedSet {
     std::vector<CClassRuntime> runtime;  // one per class
     std::vector<CSubstitutableMember> substitutable;
     std::map<std::pair<std::string, std::string>, int> roots;  // (namespace, local name) -> class
-    std::map<const CTypeDefinition*, int> typeClasses;
+    // (type, element namespace) -> class
+    std::map<std::pair<const CTypeDefinition*, std::string>, int> typeClasses;
 };
 
 // Maps every global element and named complex type of the set, and
