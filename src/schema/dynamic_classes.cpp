@@ -98,6 +98,30 @@ private:
     bool m_inlined;
 };
 
+// The repeating elements of one name whose type is xs:anyType: kept whole,
+// like wildcard elements, but only while the name is theirs.
+class CNamedElementCol final : public CElementCol {
+public:
+    CNamedElementCol(const char* name, const char* ns, std::int32_t minOccurs, std::int32_t maxOccurs)
+        : CElementCol(name, "##any", "", minOccurs, maxOccurs), m_namespace(ns ? ns : "") {}
+
+protected:
+    CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* current, const CXmlSerializationContext& ctx,
+                             bool) override {
+        const std::string name = GetElementName();
+        while (current && DoesElementNameMatch(ctx, current, name, m_namespace)) {
+            CSmartPtr<CElement> element = new CElement();
+            element->ReadFrom(current);
+            AppendItem(element);
+            current = current->GetNextSiblingElement();
+        }
+        return current;
+    }
+
+private:
+    std::string m_namespace;
+};
+
 template <class Col>
 CXmlCollectionBase* MakeValueCollection(const char* name, const char* ns, std::int32_t minOccurs,
                                         std::int32_t maxOccurs, const CPropertyRuntime& runtime) {
@@ -253,11 +277,12 @@ void CDynamicObject::Init() {
                                                          extra.restrictionNamespace.c_str()));
                 break;
             case CPropertyDescription::Kind::Collection:
-                if (property.source == CPropertyDescription::Source::Wildcard ||
-                    (property.classIndex < 0 && property.simpleType == nullptr)) {
-                    value.SetXmlCollection(new CElementCol(
-                        property.source == CPropertyDescription::Source::Wildcard ? "AnyElement" : name,
-                        extra.restriction.c_str(), extra.restrictionNamespace.c_str(), minOccurs, maxOccurs));
+                if (property.source == CPropertyDescription::Source::Wildcard) {
+                    value.SetXmlCollection(new CElementCol("AnyElement", extra.restriction.c_str(),
+                                                           extra.restrictionNamespace.c_str(), minOccurs,
+                                                           maxOccurs));
+                } else if (property.classIndex < 0 && property.simpleType == nullptr) {
+                    value.SetXmlCollection(new CNamedElementCol(name, ns, minOccurs, maxOccurs));
                 } else if (property.classIndex >= 0) {
                     const bool inlined = extra.itemElementType != XmlElementType_Element;
                     const char* itemName = inlined ? property.name.c_str() : name;
@@ -420,7 +445,8 @@ CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateForElement(int classIndex, CXm
             const CClassDescription& base = *m_classes[found->second];
             if (base.typeName.local == local) named = type;
             for (int derived : base.derivedClasses) {
-                if (named == nullptr && m_classes[derived]->typeName.local == local) named = m_classes[derived]->type;
+                if (named == nullptr && m_classes[derived]->typeName.local == local)
+                    named = m_index->mapped.classTypes[derived];
             }
         }
         if (named == nullptr) return CSmartPtr<CXmlObjectBase>();

@@ -79,6 +79,15 @@ XmlElementGroupType GroupOf(CModelGroup::Compositor compositor) {
     return XmlElementGroupType_Sequence;
 }
 
+// Every built-in simple type an xsi:type may name.
+const char* const kBuiltInSimpleTypes[] = {
+    "anySimpleType", "string", "normalizedString", "token", "language", "Name", "NCName", "ID", "IDREF", "IDREFS",
+    "ENTITY", "ENTITIES", "NMTOKEN", "NMTOKENS", "boolean", "decimal", "integer", "nonPositiveInteger",
+    "negativeInteger", "long", "int", "short", "byte", "nonNegativeInteger", "unsignedLong", "unsignedInt",
+    "unsignedShort", "unsignedByte", "positiveInteger", "float", "double", "duration", "dateTime", "time", "date",
+    "gYearMonth", "gYear", "gMonthDay", "gDay", "gMonth", "hexBinary", "base64Binary", "anyURI", "QName",
+    "NOTATION"};
+
 // Whether the particle can match nothing at all.
 bool IsEmptiable(const CParticle* particle) {
     // Nesting is bounded by the schema document's own depth, and groups
@@ -159,6 +168,7 @@ private:
         description->name = UniqueClassName(std::move(name));
         m_out.classes.push_back(std::move(description));
         m_out.runtime.emplace_back();
+        m_out.classTypes.push_back(nullptr);
         m_pending.push_back(static_cast<int>(m_out.classes.size()) - 1);
         return static_cast<int>(m_out.classes.size()) - 1;
     }
@@ -176,12 +186,25 @@ private:
         if (!type->IsAnonymous()) description.typeName = type->name;
         if (type->IsSimple()) m_simpleClasses[index] = static_cast<const CSimpleType*>(type);
         m_out.typeClasses[{type, ns}] = index;
+        m_out.classTypes[index] = type;
         // xsi:type may name any type derived from this one: each gets its
         // class for elements of this namespace too.
         if (m_hasDerived.count(type) != 0) {
             for (const CTypeDefinition* other : m_set.GetTypes()) {
                 if (other != type && !other->IsSimple() && other->DerivesFrom(type))
                     ClassForType(other, other->name.local, ns);
+            }
+        }
+        if (type->IsSimple()) {
+            // Simple types get classes only as substitutable elements' types;
+            // xsi:type may then name a user or built-in type derived from it.
+            for (const CTypeDefinition* other : m_set.GetTypes()) {
+                if (other != type && other->IsSimple() && !other->IsAnonymous() && other->DerivesFrom(type))
+                    ClassForType(other, other->name.local, ns);
+            }
+            for (const char* builtIn : kBuiltInSimpleTypes) {
+                const CSimpleType* other = m_set.GetBuiltInType(builtIn);
+                if (other != nullptr && other != type && other->DerivesFrom(type)) ClassForType(other, builtIn, ns);
             }
         }
         return index;
@@ -335,7 +358,7 @@ private:
                 build.elements.push_back(
                     MakeInfo<CElementInfoUntpd>(groupType, mandatory, name.c_str(), ns.c_str(), propertyIndex, "##any", ""));
             }
-        } else if (type->IsSimple()) {
+        } else if (type->IsSimple() && element->substitutionGroupMembers.empty()) {
             const auto* simple = static_cast<const CSimpleType*>(type);
             property.kind = collection ? CPropertyDescription::Kind::Collection : CPropertyDescription::Kind::Value;
             property.itemType = BindingItemType(simple);
@@ -389,6 +412,7 @@ private:
     // type, or a type other types derive from (xsi:type).
     bool IsSubstitutable(const CElementDeclaration* element, const CTypeDefinition* type) {
         if (!element->substitutionGroupMembers.empty() || element->abstract) return true;
+        if (type->IsSimple()) return false;
         const auto* complex = static_cast<const CComplexType*>(type);
         return complex->abstract || m_hasDerived.count(type) != 0;
     }
@@ -500,11 +524,11 @@ private:
 
     void LinkDerivedClasses() {
         for (const auto& description : m_out.classes) {
-            if (description->type == nullptr) continue;
+            const CTypeDefinition* type = m_out.classTypes[description->index];
+            if (type == nullptr) continue;
             // Nearest base first: walk up the chain once.
-            const CTypeDefinition* base = description->type->baseType;
-            for (int guard = 0; base != nullptr && guard < 10000; ++guard) {
-                if (base == m_set.GetAnyType() || base->IsSimple()) break;
+            const CTypeDefinition* base = type->baseType;
+            for (int guard = 0; base != nullptr && base != type && guard < 10000; ++guard) {
                 const auto found = m_out.typeClasses.find({base, description->elementNamespace});
                 if (found != m_out.typeClasses.end()) {
                     m_out.classes[found->second]->derivedClasses.push_back(description->index);
