@@ -312,8 +312,33 @@ std::string CDynamicObject::GetTargetNamespace() const {
     return m_isRoot ? m_rootNamespace : CXmlGeneratedClass::GetTargetNamespace();
 }
 
+namespace {
+
+bool IsXmlWhitespace(const std::string& text) {
+    for (const char c : text) {
+        if (c != ' ' && c != '\t' && c != '\n' && c != '\r') return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* current,
                                          const CXmlSerializationContext& ctx, bool isRoot) {
+    // Element-only and empty content take no character data; the binding
+    // would drop it unseen.
+    const CComplexType* type = m_description->type;
+    if (parent != nullptr && type != nullptr && m_description->elementType == XmlElementType_Element &&
+        (type->contentType == CComplexType::ContentType::ElementOnly ||
+         type->contentType == CComplexType::ContentType::Empty) &&
+        !IsXmlWhitespace(parent->GetText())) {
+        std::string text = parent->GetText();
+        if (text.size() > 40) text = text.substr(0, 40) + "...";
+        const CQmValidationException cause(FormatString("Unexpected text [%s] in the element [%s]", text.c_str(),
+                                                        parent->GetLocalName().c_str()));
+        throw CQmValidationException(
+            FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), cause);
+    }
     CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
     if (m_set->m_index->mapped.runtime[m_description->index].mandatoryInlineChoice) {
         std::string selected;

@@ -70,6 +70,15 @@ CElementInfo* MakeCollectionInfo(XmlElementGroupType group, Args&&... args) {
     return new CElementInfoCol<CElementInfoSeq>(std::forward<Args>(args)...);
 }
 
+// An empty element of a member with a default or fixed value stands for it.
+void SetEmptyElementValue(CElementInfo* info, const std::string& text) {
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoSeq, true>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoSeq, false>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoAll, true>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoAll, false>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoChoice, false>*>(info)) i->SetEmptyElementValue(text);
+}
+
 XmlElementGroupType GroupOf(CModelGroup::Compositor compositor) {
     switch (compositor) {
         case CModelGroup::Compositor::Choice: return XmlElementGroupType_Choice;
@@ -226,6 +235,7 @@ private:
         int valueIndex = -1;
         ItemType valueType = ItemType_None;
         const CSimpleType* valueSimpleType = nullptr;
+        bool mixed = false;
         std::string elementName = description.name;
         const std::string elementNamespace = description.elementNamespace;
         if (description.group != nullptr) {
@@ -242,6 +252,7 @@ private:
                        type->contentType == CComplexType::ContentType::Mixed) {
                 AddContent(index, build, type->contentModel);
             }
+            mixed = type->contentType == CComplexType::ContentType::Mixed;
             for (const CAttributeUse* use : type->attributeUses) AddAttribute(index, build, use);
             if (type->attributeWildcard != nullptr) AddAttributeWildcard(index, build, type->attributeWildcard);
         } else {
@@ -258,6 +269,18 @@ private:
             property.itemType = valueType;
             property.optional = true;
             property.simpleType = valueSimpleType;
+            valueIndex = AddProperty(index, std::move(property));
+        }
+        if (mixed) {
+            // The character data of mixed content, kept as one string and
+            // written after the elements.
+            valueType = ItemType_string;
+            CPropertyDescription property;
+            property.name = UniqueMemberName(build, "Text");
+            property.kind = CPropertyDescription::Kind::Value;
+            property.source = CPropertyDescription::Source::SimpleContent;
+            property.itemType = valueType;
+            property.optional = true;
             valueIndex = AddProperty(index, std::move(property));
         }
         CClassDescription& d = *m_out.classes[index];  // AddParticle may have grown the vector
@@ -370,10 +393,12 @@ private:
             if (collection) {
                 build.elements.push_back(MakeCollectionInfo(groupType, name.c_str(), ns.c_str(), propertyIndex));
             } else {
-                build.elements.push_back(MakeInfo<CElementInfoPrim>(groupType, mandatory, name.c_str(), ns.c_str(),
-                                                                    propertyIndex, element->nillable,
-                                                                    property.itemType, "", runtime.rule,
-                                                                    runtime.facets));
+                CElementInfo* info = MakeInfo<CElementInfoPrim>(groupType, mandatory, name.c_str(), ns.c_str(),
+                                                                propertyIndex, element->nillable, property.itemType,
+                                                                "", runtime.rule, runtime.facets);
+                if (element->valueConstraint.kind != CValueConstraint::None)
+                    SetEmptyElementValue(info, element->valueConstraint.value);
+                build.elements.push_back(info);
             }
         } else {
             const int classIndex = ClassForType(type, name, ns);
