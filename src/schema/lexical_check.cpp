@@ -9,7 +9,6 @@
 #include "qmxml/types/decimal.h"
 #include "qmxml/types/restrictions.h"
 #include "qmxml/types/whitespace.h"
-#include "schema/value_rule.h"
 
 namespace QmXmlLib10 {
 namespace Schema {
@@ -273,11 +272,6 @@ int CompareDecimals(const std::string& a, const std::string& b) {
     const CDecimal x = value(a);
     const CDecimal y = value(b);
     return x < y ? -1 : (y < x ? 1 : 0);
-}
-
-bool IsValidLiteral(const CSimpleType* type, const std::string& text) {
-    if (type == nullptr) return true;
-    return CSchemaValueRule(type, nullptr).Accepts(text);
 }
 
 }  // namespace Schema

@@ -1,5 +1,5 @@
-// The lexical spaces of XML Schema's primitive types, and whether a text is a
-// valid literal of a simple type (facet values, value constraints). Internal.
+// The lexical spaces of XML Schema's primitive types (CSchemaValueRule checks
+// everything else a simple type asks of a literal). Internal.
 #pragma once
 
 #include <string>
@@ -56,10 +56,6 @@ bool IsPrimitiveLiteral(Primitive primitive, const std::string& text);
 // runtime cannot hold it (a year of more than four digits) or the literal is
 // not valid.
 bool ParseDateLiteral(Primitive primitive, const std::string& text, CDateTime& value);
-
-// Checks text against everything the type requires (whitespace applied
-// first): see CSchemaValueRule.
-bool IsValidLiteral(const CSimpleType* type, const std::string& text);
 
 // Compares two optionally signed decimal literals by value: <0, 0 or >0.
 // Both must be valid decimal literals.
