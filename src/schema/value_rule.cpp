@@ -236,6 +236,22 @@ bool NativeRange(ItemType type, CDecimal& lo, CDecimal& hi) {
     }
 }
 
+// The whitespace handling a value gets before its type sees it. A union has
+// none of its own: each member normalizes the text its own way, so the text
+// is only normalized as far as the weakest member would ("a\n" stays apart
+// from "a" for a normalizedString member even when an int member comes first).
+WhiteSpace ValueWhiteSpace(const CSimpleType* type, int depth = 0) {
+    if (type == nullptr) return WhiteSpace::Preserve;
+    if (type->variety != CSimpleType::Variety::Union) return type->whiteSpace;
+    if (depth > kMaxDepth) return WhiteSpace::Preserve;
+    WhiteSpace weakest = WhiteSpace::Collapse;
+    for (const CSimpleType* member : type->memberTypes) {
+        const WhiteSpace ws = ValueWhiteSpace(member, depth + 1);
+        if (static_cast<int>(ws) < static_cast<int>(weakest)) weakest = ws;
+    }
+    return weakest;
+}
+
 }  // namespace
 
 struct CSchemaValueRule::Impl {
@@ -299,7 +315,7 @@ int CSchemaValueRule::Impl::Compile(const CSimpleType* type, int depth,
     }
     if (type == nullptr) return index;  // accepts every value
     n.variety = type->variety;
-    n.whiteSpace = type->whiteSpace;
+    n.whiteSpace = ValueWhiteSpace(type);
     n.patterns = type->facets.patterns;
     const CFacets& f = type->facets;
     switch (type->variety) {
@@ -324,7 +340,7 @@ int CSchemaValueRule::Impl::Compile(const CSimpleType* type, int depth,
     std::vector<TypedValue> values;
     std::unordered_set<std::string> texts;
     for (const std::string& literal : f.enumeration) {
-        const std::string normalized = NormalizeWhiteSpace(literal, type->whiteSpace);
+        const std::string normalized = NormalizeWhiteSpace(literal, nodes[index].whiteSpace);
         TypedValue value;
         bool ok = false;
         try {
@@ -533,7 +549,7 @@ CSchemaValueRule::CSchemaValueRule(const CSimpleType* type, const CValueConstrai
     impl->Compile(type, 0, memo);
     if (fixed != nullptr && fixed->kind == CValueConstraint::Fixed) {
         impl->hasFixed = true;
-        impl->fixedText = type != nullptr ? NormalizeWhiteSpace(fixed->value, type->whiteSpace) : fixed->value;
+        impl->fixedText = NormalizeWhiteSpace(fixed->value, impl->nodes[0].whiteSpace);
         TypedValue value;
         try {
             if (impl->Evaluate(0, impl->fixedText, nullptr, 0, &value)) impl->fixedValue = std::move(value);
@@ -597,7 +613,7 @@ ItemType BindingItemType(const CSimpleType* type) {
 }
 
 CWhitespaceUtils::WhitespaceRule BindingWhitespaceRule(const CSimpleType* type) {
-    switch (type != nullptr ? type->whiteSpace : WhiteSpace::Preserve) {
+    switch (ValueWhiteSpace(type)) {
         case WhiteSpace::Preserve: return CWhitespaceUtils::WhitespaceRule_Preserve;
         case WhiteSpace::Replace: return CWhitespaceUtils::WhitespaceRule_Replace;
         default: return CWhitespaceUtils::WhitespaceRule_Collapse;

@@ -331,6 +331,24 @@ TEST(ValueRuleUnions, TheFirstMemberThatTakesTheValueDecidesItsValue) {
     EXPECT_EQ(ReadVerdict(l.type, "1.0"), Refused("1.0"));  // a token, and not the token "1"
 }
 
+TEST(ValueRuleUnions, EachMemberNormalizesTheTextItsOwnWay) {
+    const Loaded l = LoadType(
+        "<xs:simpleType name='T'><xs:union memberTypes='xs:int xs:normalizedString'/></xs:simpleType>"
+        "<xs:simpleType name='C'><xs:union memberTypes='xs:int xs:date'/></xs:simpleType>");
+    // The union has no whitespace rule of its own: the text keeps what its
+    // weakest member would keep, and the int member still collapses it.
+    EXPECT_EQ(BindingWhitespaceRule(l.type), CWhitespaceUtils::WhitespaceRule_Replace);
+    EXPECT_EQ(BindingWhitespaceRule(l.set->FindSimpleType({"urn:t", "C"})), CWhitespaceUtils::WhitespaceRule_Collapse);
+    EXPECT_EQ(ReadVerdict(l.type, " 12\n"), "");
+    CValueConstraint fixed;
+    fixed.kind = CValueConstraint::Fixed;
+    fixed.value = "ab\n";
+    EXPECT_EQ(ReadVerdict(l.type, "ab\t", &fixed), "");
+    EXPECT_EQ(ReadVerdict(l.type, "ab", &fixed), "Invalid Value for m [ab], the fixed value is [ab ]");
+    fixed.value = "7";
+    EXPECT_EQ(ReadVerdict(l.type, " 007 ", &fixed), "");  // the int 7
+}
+
 // ---------------------------------------------------------------------------
 // Fixed values.
 
