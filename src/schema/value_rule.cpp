@@ -614,7 +614,9 @@ ItemType BindingItemType(const CSimpleType* type) {
 
 CWhitespaceUtils::WhitespaceRule BindingWhitespaceRule(const CSimpleType* type) {
     switch (ValueWhiteSpace(type)) {
-        case WhiteSpace::Preserve: return CWhitespaceUtils::WhitespaceRule_Preserve;
+        // The parser has normalized line ends already; a carriage return still
+        // in the text came from a character reference and stays, as in XML Schema.
+        case WhiteSpace::Preserve: return CWhitespaceUtils::WhitespaceRule_None;
         case WhiteSpace::Replace: return CWhitespaceUtils::WhitespaceRule_Replace;
         default: return CWhitespaceUtils::WhitespaceRule_Collapse;
     }

@@ -20,7 +20,8 @@ namespace Schema {
 // type's runtimeType, ItemType_string for lists, unions and anySimpleType.
 ItemType BindingItemType(const CSimpleType* type);
 // The whitespace rule the runtime applies before converting: the type's
-// whiteSpace facet; for a union, the weakest of its members' (the rule
+// whiteSpace facet (preserve is WhitespaceRule_None: a carriage return from a
+// character reference is kept); for a union, the weakest of its members' (the rule
 // normalizes the text further for each member it tries).
 CWhitespaceUtils::WhitespaceRule BindingWhitespaceRule(const CSimpleType* type);
 // The facets the runtime checks itself: none. The runtime counts lengths in

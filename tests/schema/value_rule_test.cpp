@@ -263,6 +263,12 @@ TEST(ValueRulePatterns, ApplyToTheLexicalFormOfNonStringTypes) {
     EXPECT_EQ(ReadVerdict(flag.type, "true"), Refused("true"));
 }
 
+TEST(ValueRulePatterns, ACarriageReturnFromACharacterReferenceReachesThePattern) {
+    const Loaded l = LoadType(Restriction("xs:string", "<xs:pattern value='a\\r\\nb'/>"));
+    EXPECT_EQ(ReadVerdict(l.type, "a\r\nb"), "");
+    EXPECT_EQ(ReadVerdict(l.type, "a\nb"), Refused("a\nb"));
+}
+
 TEST(ValueRulePatterns, PatternsOfOneStepAreAlternativesAndStepsMustAllMatch) {
     const Loaded l = LoadType(
         "<xs:simpleType name='B'><xs:restriction base='xs:string'><xs:pattern value='[a-z]+'/></xs:restriction></xs:simpleType>"
@@ -443,7 +449,7 @@ TEST(ValueRuleBinding, ItemTypesWhitespaceAndFacets) {
     EXPECT_EQ(BindingItemType(l.set->FindSimpleType({"urn:t", "L"})), QmXmlLib10::ItemType_string);
     EXPECT_EQ(BindingItemType(l.set->GetBuiltInType("gYear")), QmXmlLib10::ItemType_year);
     EXPECT_EQ(BindingItemType(l.set->GetBuiltInType("anySimpleType")), QmXmlLib10::ItemType_string);
-    EXPECT_EQ(BindingWhitespaceRule(l.set->GetBuiltInType("string")), CWhitespaceUtils::WhitespaceRule_Preserve);
+    EXPECT_EQ(BindingWhitespaceRule(l.set->GetBuiltInType("string")), CWhitespaceUtils::WhitespaceRule_None);
     EXPECT_EQ(BindingWhitespaceRule(l.set->GetBuiltInType("normalizedString")), CWhitespaceUtils::WhitespaceRule_Replace);
     EXPECT_EQ(BindingWhitespaceRule(l.type), CWhitespaceUtils::WhitespaceRule_Collapse);
     const QmXmlLib10::CPrimitiveRestrictions facets = BindingFacets(l.type);
