@@ -8,6 +8,7 @@
 #include "qmxml/metadata/attribute_info.h"
 #include "qmxml/metadata/parent_element_info.h"
 #include "qmxml/schema/attribute_declaration.h"
+#include "qmxml/schema/schema_set.h"
 #include "qmxml/schema/attribute_use.h"
 #include "qmxml/schema/complex_type.h"
 #include "qmxml/schema/element_declaration.h"
@@ -137,6 +138,18 @@ public:
         for (const CElementDeclaration* element : m_set.GetElements()) {
             const int index = ClassForType(TypeOf(element), element->name.local, element->name.ns);
             m_out.roots[{element->name.ns, element->name.local}] = index;
+            m_out.rootMembers[{element->name.ns, element->name.local}] = static_cast<int>(m_out.substitutable.size());
+            m_out.substitutable.push_back(CSubstitutableMember{element, index});
+        }
+        for (const CAttributeDeclaration* attribute : m_set.GetAttributes()) {
+            const CSimpleType* type = attribute->type ? attribute->type : m_set.GetAnySimpleType();
+            CPropertyRuntime runtime;
+            runtime.itemType = BindingItemType(type);
+            runtime.rule = BindingWhitespaceRule(type);
+            runtime.facets = BindingFacets(type);
+            const bool fixed = attribute->valueConstraint.kind == CValueConstraint::Fixed;
+            runtime.facets.SetValueRule(MakeValueRule(type, fixed ? &attribute->valueConstraint : nullptr));
+            m_out.globalAttributes[{attribute->name.ns, attribute->name.local}] = std::move(runtime);
         }
         while (!m_pending.empty()) {
             const int index = m_pending.front();
@@ -459,6 +472,8 @@ private:
         CPropertyRuntime runtime;
         runtime.restriction = restriction.first;
         runtime.restrictionNamespace = restriction.second;
+        if (wildcard->processContents != CWildcard::ProcessContents::Skip)
+            m_out.classes[index]->hasCheckedWildcards = true;
         const int propertyIndex = static_cast<int>(m_out.classes[index]->properties.size());
         if (collection) {
             build.elements.push_back(MakeCollectionInfo(groupType, "AnyElement", "", propertyIndex));
@@ -541,6 +556,8 @@ private:
         CPropertyRuntime runtime;
         runtime.restriction = restriction.first;
         runtime.restrictionNamespace = restriction.second;
+        if (wildcard->processContents != CWildcard::ProcessContents::Skip)
+            m_out.classes[index]->hasCheckedWildcards = true;
         const int propertyIndex = static_cast<int>(m_out.classes[index]->properties.size());
         build.attributes.push_back(new CAttributeInfoAny("AnyAttribute", "", propertyIndex, true,
                                                          restriction.first.c_str(), restriction.second.c_str(), ""));
