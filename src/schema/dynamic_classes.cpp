@@ -327,6 +327,12 @@ bool CDynamicObject::HasSameClassAs(const CXmlGeneratedClass& other) const {
     return dynamic != nullptr && dynamic->m_description == m_description;
 }
 
+void CDynamicObject::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName,
+                               const CXmlSerializationContext& ctx, bool asChoiceMember) const {
+    const std::string typeName = isRoot && ctx.GetWriteTypeAttribute() ? GetTypeName() : std::string();
+    WriteObject(writer, isRoot, elementName, ctx, asChoiceMember, typeName.empty() ? nullptr : typeName.c_str());
+}
+
 std::string CDynamicObject::GetTargetNamespace() const {
     return m_isRoot ? m_rootNamespace : CXmlGeneratedClass::GetTargetNamespace();
 }
@@ -435,13 +441,29 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
                                  : "{" + root->GetNamespaceURI() + "}" + root->GetLocalName();
     const auto& members = m_index->mapped.rootMembers;
     const auto member = members.find({root->GetNamespaceURI(), root->GetLocalName()});
+    CSmartPtr<CXmlObjectBase> made;
     if (member == members.end()) {
-        throw CQmValidationException(
-            FormatString("No global element declaration for the root element [%s]", name.c_str()));
+        // An undeclared root may still name its type.
+        const CXmlAttribute* xsiType = FindXsiType(root);
+        const std::string local = xsiType ? LocalPart(xsiType->GetValue()) : std::string();
+        const auto& types = m_index->mapped.typeClasses;
+        for (auto it = types.begin(); xsiType != nullptr && it != types.end() && !made; ++it) {
+            const CTypeDefinition* type = it->first.first;
+            if (it->first.second == root->GetNamespaceURI() && !type->IsAnonymous() && type->name.local == local &&
+                (type->IsSimple() || !static_cast<const CComplexType*>(type)->abstract)) {
+                made = CreateMember(it->second, root->GetLocalName().c_str());
+                static_cast<CDynamicObject*>(made.Get())->m_retyped = true;  // written back with its xsi:type
+            }
+        }
+        if (!made) {
+            throw CQmValidationException(
+                FormatString("No global element declaration for the root element [%s]", name.c_str()));
+        }
+    } else {
+        // The class as a member's factory would pick it: xsi:type, abstract
+        // elements and types, blocked derivations.
+        made = CreateForElement(member->second, const_cast<CXmlElement*>(root));
     }
-    // The class as a member's factory would pick it: xsi:type, abstract
-    // elements and types, blocked derivations.
-    const CSmartPtr<CXmlObjectBase> made = CreateForElement(member->second, const_cast<CXmlElement*>(root));
     if (!made) {
         throw CQmValidationException(FormatString(
             "The root element [%s] is abstract, or its xsi:type names no type it may take", name.c_str()));

@@ -76,6 +76,9 @@ public:
 protected:
     CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
                              bool isRoot) override;
+    // A root read through xsi:type writes it back (members' xsi:type is their info's business).
+    void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
+                   bool asChoiceMember) const override;
 
 private:
     friend class CDynamicClassSet;
