@@ -47,7 +47,8 @@ std::shared_ptr<const CValueRule> MakeValueRule(const CSimpleType* type, const C
 //   item type, unions by their first member type that accepts the value; and
 //   the fixed value, compared in the value space.
 // QName and NOTATION values compare by their text: the rule has no namespace
-// context to resolve prefixes with.
+// context to resolve prefixes with. Types nested more than 32 levels deep
+// (unions of unions ...) accept no value: the rule never follows them further.
 //
 // Immutable after construction (bounds and enumeration values are parsed
 // there, patterns are compiled by the runtime's process-wide cache), so one
