@@ -597,12 +597,15 @@ CSchemaValueRule::~CSchemaValueRule() = default;
 void CSchemaValueRule::Check(const std::string& memberName, const QmVariant& value, ItemType,
                              const std::string* text) const {
     if (value.IsNil()) return;
+    const Impl& impl = *m_impl;
     std::string canonical;
     if (text == nullptr) {
+        // Checked as the document written from it will read back.
         canonical = CanonicalText(value);
+        if (!IsNormalized(canonical, impl.nodes[0].whiteSpace))
+            canonical = NormalizeWhiteSpace(canonical, impl.nodes[0].whiteSpace);
         text = &canonical;
     }
-    const Impl& impl = *m_impl;
     TypedValue actual;
     bool ok = false;
     try {

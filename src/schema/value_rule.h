@@ -63,7 +63,8 @@ public:
     CSchemaValueRule& operator=(const CSchemaValueRule&) = delete;
 
     // Throws CQmValidationException "Invalid Value for %s [%s]" (member name,
-    // text, or the value's canonical form when there is no text), or
+    // text, or when there is none the value's canonical form after the
+    // type's whitespace rule, as a document written from it reads back), or
     // "Invalid Value for %s [%s], the fixed value is [%s]"; a pattern the
     // engine cannot run gives its message, a line break, then the first.
     void Check(const std::string& memberName, const QmVariant& value, ItemType type,

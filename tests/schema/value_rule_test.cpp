@@ -449,6 +449,13 @@ TEST(ValueRuleSetValues, CheckTheCanonicalFormAndPrintIt) {
     v.SetString("\xC3\xA4\xC3\xB6x");
     EXPECT_EQ(SetVerdict(chars.type, v), Refused("\xC3\xA4\xC3\xB6x"));
 
+    // Whitespace as the document written from the value will read back.
+    const Loaded token = LoadType(Restriction("xs:token", "<xs:enumeration value='a b'/>"));
+    v.SetString(" a \t b ");
+    EXPECT_EQ(SetVerdict(token.type, v), "");
+    v.SetString("a\tc");
+    EXPECT_EQ(SetVerdict(token.type, v), Refused("a c"));
+
     // A zone the runtime holds but XML Schema does not allow.
     auto set = CSchemaSet::LoadBuffer(Xsd(""));
     v.SetDateTime(QmXmlLib10::CDateTime("2020-01-01T00:00:00+15:00"));
