@@ -168,18 +168,15 @@ std::size_t CodePoints(const std::string& s) {
 }
 
 // totalDigits and fractionDigits of a valid decimal literal, which are those
-// of its value: leading zeros of the integer part and trailing zeros of the
-// fraction do not count ("001.2300" has 3 and 2).
-void CountDigits(const std::string& s, unsigned long long& total, unsigned long long& fraction) {
-    std::size_t begin = !s.empty() && (s[0] == '-' || s[0] == '+') ? 1 : 0;
-    const std::size_t point = std::min(s.find('.', begin), s.size());
-    std::size_t end = s.size();
-    if (point < end) {
-        while (end > point + 1 && s[end - 1] == '0') --end;
-        if (end == point + 1) end = point;
-    }
-    while (begin < point && s[begin] == '0') ++begin;
-    fraction = end > point ? end - point - 1 : 0;
+// of its value: the digits of its canonical form, where leading zeros of the
+// integer part and trailing zeros of the fraction are gone ("001.2300" has 3
+// and 2; "0.05" has 2 and 2).
+void CountDigits(const std::string& literal, unsigned long long& total, unsigned long long& fraction) {
+    const std::string s = CanonicalDecimal(literal);
+    std::size_t begin = s[0] == '-' ? 1 : 0;
+    const std::size_t point = std::min(s.find('.'), s.size());
+    if (point - begin == 1 && s[begin] == '0') ++begin;  // "0.05": the zero before the point
+    fraction = point < s.size() ? s.size() - point - 1 : 0;
     total = (point - begin) + fraction;
 }
 
