@@ -1,6 +1,8 @@
 #include "qmxml/schema/dynamic_classes.h"
 
+#include <sstream>
 #include <typeinfo>
+#include <unordered_set>
 
 #include "mapping.h"
 #include "qmxml/collections/class_collection.h"
@@ -473,6 +475,7 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
     object->m_rootNamespace = root->GetNamespaceURI();
     object->m_isRoot = true;
     object->FromXmlElement(root, ctx);
+    if (m_index->mapped.usesIds) CheckIdentifiers(*object);
     return object;
 }
 
@@ -528,6 +531,64 @@ void CDynamicClassSet::CheckWildcardContent(const CDynamicObject& object, const 
             // xsi:type) decide its class.
             const std::string text = element->ToXml(false, false, EOLType_LF, ctx);
             ReadBuffer(text.data(), text.size(), ctx);
+        }
+    }
+}
+
+void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
+    std::unordered_set<std::string> ids;
+    std::vector<std::string> references;
+    // The bound objects are walked with a stack of their own: documents nest
+    // deeper than a thread's stack would allow recursion to.
+    std::vector<const CDynamicObject*> pending{&root};
+    while (!pending.empty()) {
+        const CDynamicObject* object = pending.back();
+        pending.pop_back();
+        const auto& properties = object->m_description->properties;
+        const CClassRuntime& runtime = m_index->mapped.runtime[object->m_description->index];
+        for (size_t i = 0; i < properties.size(); ++i) {
+            const QmVariant& value = object->m_values[i];
+            if (!value.IsValid() || value.IsNil()) continue;
+            switch (properties[i].kind) {
+                case CPropertyDescription::Kind::Value: {
+                    const int kind = runtime.properties[i].idKind;
+                    if (kind == 0) break;
+                    const std::string text = value.ToString();
+                    if (kind == 1 && !ids.insert(text).second) {
+                        throw CQmValidationException(FormatString("Duplicate ID value [%s]", text.c_str()));
+                    }
+                    if (kind == 2) references.push_back(text);
+                    if (kind == 3) {
+                        std::istringstream items(text);
+                        for (std::string item; items >> item;) references.push_back(item);
+                    }
+                    break;
+                }
+                case CPropertyDescription::Kind::Object: {
+                    const CSmartPtr<CXmlObjectBase> member = value.GetXmlObject();
+                    if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(member.Get())) {
+                        pending.push_back(dynamic);
+                    }
+                    break;
+                }
+                case CPropertyDescription::Kind::Collection: {
+                    const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
+                    const auto* collection = dynamic_cast<const CXmlCollection*>(held.Get());
+                    if (collection == nullptr) break;
+                    for (auto* node = collection->GetFirstNode(); node; node = node->GetNext()) {
+                        if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(node->GetItem())) {
+                            pending.push_back(dynamic);
+                        }
+                    }
+                    break;
+                }
+                default: break;
+            }
+        }
+    }
+    for (const std::string& reference : references) {
+        if (ids.count(reference) == 0) {
+            throw CQmValidationException(FormatString("The IDREF value [%s] matches no ID", reference.c_str()));
         }
     }
 }

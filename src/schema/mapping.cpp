@@ -403,6 +403,7 @@ private:
             const bool fixed = element->valueConstraint.kind == CValueConstraint::Fixed;
             runtime.facets.SetValueRule(MakeValueRule(simple, fixed ? &element->valueConstraint : nullptr));
             runtime.rule = BindingWhitespaceRule(simple);
+            if (!collection) runtime.idKind = IdKind(simple);
             if (collection) {
                 build.elements.push_back(MakeCollectionInfo(groupType, name.c_str(), ns.c_str(), propertyIndex));
             } else {
@@ -443,6 +444,22 @@ private:
             }
         }
         AddProperty(index, std::move(property), std::move(runtime));
+    }
+
+    int IdKind(const CSimpleType* type) {
+        const CSimpleType* id = m_set.GetBuiltInType("ID");
+        const CSimpleType* idref = m_set.GetBuiltInType("IDREF");
+        int kind = 0;
+        if (id != nullptr && type->DerivesFrom(id)) {
+            kind = 1;
+        } else if (idref != nullptr && type->DerivesFrom(idref)) {
+            kind = 2;
+        } else if (type->variety == CSimpleType::Variety::List && type->itemType != nullptr && idref != nullptr &&
+                   type->itemType->DerivesFrom(idref)) {
+            kind = 3;
+        }
+        if (kind != 0) m_out.usesIds = true;
+        return kind;
     }
 
     // Whether an element of this member may carry another class than its
@@ -537,6 +554,7 @@ private:
         runtime.facets.SetValueRule(
             MakeValueRule(type, constraint.kind == CValueConstraint::Fixed ? &constraint : nullptr));
         runtime.rule = BindingWhitespaceRule(type);
+        runtime.idKind = IdKind(type);
         const int propertyIndex = static_cast<int>(m_out.classes[index]->properties.size());
         const std::string defaultValue = constraint.kind != CValueConstraint::None ? constraint.value : std::string();
         build.attributes.push_back(new CAttributeInfoPrimitive(

@@ -26,6 +26,9 @@ struct CPropertyRuntime {
     std::string restrictionNamespace;
     XmlElementType itemElementType = XmlElementType_Element;  // class collections
     ItemType itemType = ItemType_None;                         // global attributes
+    // Values of ID types must be unique in a document and IDREFs must name
+    // one: 1 ID, 2 IDREF, 3 a list of IDREFs.
+    int idKind = 0;
 };
 
 struct CClassRuntime {
@@ -56,6 +59,7 @@ struct CMappedSet {
     // is checked when the wildcard's processContents asks for it.
     std::map<std::pair<std::string, std::string>, CPropertyRuntime> globalAttributes;
     std::vector<const CTypeDefinition*> classTypes;  // per class: its type, null for groups
+    bool usesIds = false;  // some member holds ID or IDREF values
 };
 
 // Maps every global element and named complex type of the set, and

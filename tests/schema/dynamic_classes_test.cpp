@@ -189,6 +189,16 @@ const Case kCases[] = {
      "</xs:element><xs:attribute name='n' type='xs:positiveInteger'/>",
      "<r xmlns='urn:t' xmlns:t='urn:t' t:n='0'/>",
      "!Failed to process the element [r]\n\nInvalid Value for n [0]"},
+    {"DuplicateId",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='p' maxOccurs='unbounded'>"
+     "<xs:complexType><xs:attribute name='id' type='xs:ID'/><xs:attribute name='to' type='xs:IDREFS'/>"
+     "</xs:complexType></xs:element></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><p id='a'/><p id='a'/></r>", "!Duplicate ID value [a]"},
+    {"IdrefWithoutId",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='p' maxOccurs='unbounded'>"
+     "<xs:complexType><xs:attribute name='id' type='xs:ID'/><xs:attribute name='to' type='xs:IDREFS'/>"
+     "</xs:complexType></xs:element></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><p id='a' to='a b'/><p id='b' to='c'/></r>", "!The IDREF value [c] matches no ID"},
     {"UnknownRoot", "<xs:element name='r' type='xs:int'/>", "<q xmlns='urn:t'>1</q>",
      "!No global element declaration for the root element [{urn:t}q]"},
 };

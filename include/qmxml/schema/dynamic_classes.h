@@ -138,6 +138,8 @@ private:
     // What the wildcards of a read object took, checked as their
     // processContents asks (strict: declared and valid; lax: valid when declared).
     void CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const;
+    // IDs unique and every IDREF naming one, across the document read.
+    void CheckIdentifiers(const CDynamicObject& root) const;
 
     std::shared_ptr<const CSchemaSet> m_schemas;
     std::vector<std::unique_ptr<CClassDescription>> m_classes;
