@@ -32,6 +32,7 @@ struct OutputOptions {
 struct ConvertOptions {
     std::string input;
     std::string output;
+    std::vector<std::string> schemas;  // bind through these when given
     OutputOptions out;
 };
 
@@ -43,6 +44,9 @@ QmXmlLib10::CBinaryData WriteObject(const QmXmlLib10::CXmlObjectBase& object, co
 int RunMainJob();
 int RunConvert(const ConvertOptions& options);
 int RunInfo(const std::string& input);
+// Convert with schemas: binds the input to the schema's classes and writes the bound object.
+int RunConvertWithSchema(const ConvertOptions& options);
+int RunValidate(const std::vector<std::string>& schemas, const std::vector<std::string>& documents);
 int RunSchema(const std::vector<std::string>& schemas);
 
 }  // namespace qmxml_tool

@@ -38,6 +38,7 @@ CBinaryData WriteObject(const CXmlObjectBase& object, const OutputOptions& optio
 }
 
 int RunConvert(const ConvertOptions& options) {
+    if (!options.schemas.empty()) return RunConvertWithSchema(options);
     std::string input = ReadInput(options.input);
     CSmartPtr<CElement> document = new CElement();
     document->FromXmlStream(AsData(input));

@@ -75,6 +75,9 @@ int main(int argc, char** argv) {
     CLI::App* convertCommand = app.add_subcommand("convert", "write a document again, as XML text or Fast Infoset");
     convertCommand->add_option("IN", convert.input, "the document to read")->required();
     convertCommand->add_option("OUT", convert.output, "the document to write")->required();
+    convertCommand->add_option("--schema", convert.schemas,
+                               "bind IN to the classes of this schema (repeatable) and write the bound object")
+        ->allow_extra_args(false);
     AddOutputOptions(*convertCommand, convert.out);
     convertCommand->footer(kInputNote);
 
@@ -83,6 +86,18 @@ int main(int argc, char** argv) {
         "info", "print the format, counts, depth and namespaces of a document (and its vocabulary tables)");
     infoCommand->add_option("IN", infoInput, "the document to inspect")->required();
     infoCommand->footer(kInputNote);
+
+    std::vector<std::string> validateSchemas, validateDocuments;
+    CLI::App* validateCommand = app.add_subcommand(
+        "validate", "bind each document to the classes of the schemas and say whether it is valid");
+    validateCommand->add_option("--schema", validateSchemas, "a schema document (repeatable)")
+        ->required()
+        ->allow_extra_args(false);
+    validateCommand->add_option("DOC", validateDocuments, "the documents to validate")->required();
+    validateCommand->footer(
+        "Prints DOC: valid, or DOC: invalid and why, for each document. Exit status 0 when all\n"
+        "are valid, 1 when any is not, 2 when a schema cannot be loaded.\n" +
+        std::string(kInputNote));
 
     std::vector<std::string> schemaFiles;
     CLI::App* schemaCommand =
@@ -98,5 +113,6 @@ int main(int argc, char** argv) {
 
     if (convertCommand->parsed()) return Guarded([&] { return RunConvert(convert); });
     if (infoCommand->parsed()) return Guarded([&] { return RunInfo(infoInput); });
+    if (validateCommand->parsed()) return Guarded([&] { return RunValidate(validateSchemas, validateDocuments); });
     return Guarded([&] { return RunSchema(schemaFiles); });
 }

@@ -35,12 +35,12 @@ const HelpCase kHelpCases[] = {
      "order book, writes it formatted, gzips it, reads it back, checks nothing changed\n"
      "and prints sizes and speeds.\n"
      "Usage: qmxml [OPTIONS] SUBCOMMAND\n",
-     {"  convert ", "  info ", "  schema ", "IN, OUT and DOC may be - for standard input or output."}},
+     {"  convert ", "  info ", "  validate ", "  schema ", "IN, OUT and DOC may be - for standard input or output."}},
     {"Convert", "convert --help",
      "write a document again, as XML text or Fast Infoset\nUsage: qmxml convert [OPTIONS] IN OUT\n",
      {"--to TEXT:{xml,fi}=xml", "--encoding TEXT:{utf-8,utf-16}=utf-8", "--eol TEXT:{lf,crlf}=lf",
       "--indent,--no-indent", "--no-declaration", "--compress TEXT:{none,gzip,zlib}=none",
-      "--fi-declaration INT:INT in [0 - 9]=0", "--fi-typed", "--fi-vocabulary TEXT"}},
+      "--fi-declaration INT:INT in [0 - 9]=0", "--fi-typed", "--fi-vocabulary TEXT", "--schema TEXT ..."}},
     {"ConvertShortFlag", "convert -h",
      "write a document again, as XML text or Fast Infoset\nUsage: qmxml convert [OPTIONS] IN OUT\n", {}},
     {"Info", "info --help",
