@@ -15,6 +15,7 @@
 #include "qmxml/schema/complex_type.h"
 #include "qmxml/schema/element_declaration.h"
 #include "qmxml/schema/schema_exception.h"
+#include "qmxml/schema/wildcard.h"
 
 namespace QmXmlLib10 {
 namespace Schema {
@@ -175,6 +176,24 @@ std::string LocalPart(const std::string& qname) {
     return colon == std::string::npos ? qname : qname.substr(colon + 1);
 }
 
+// The derivation methods on the way from `derived` up to `base` (extension,
+// restriction; lists and unions count as restriction), or Derivation_None
+// when `derived` is `base`.
+unsigned DerivationMethods(const CTypeDefinition* derived, const CTypeDefinition* base) {
+    unsigned methods = Derivation_None;
+    for (int guard = 0; derived != nullptr && derived != base && guard < 10000; ++guard) {
+        methods |= derived->derivationMethod == Derivation_Extension ? Derivation_Extension : Derivation_Restriction;
+        if (derived->baseType == derived) break;
+        derived = derived->baseType;
+    }
+    return methods;
+}
+
+// What a complex type prohibits of the types that replace it.
+unsigned ProhibitedBy(const CTypeDefinition* type) {
+    return type != nullptr && !type->IsSimple() ? static_cast<const CComplexType*>(type)->block : Derivation_None;
+}
+
 const CXmlAttribute* FindXsiType(const CXmlElement* element) {
     for (const CXmlAttribute* attribute : element->GetAttributes()) {
         if (attribute->GetLocalName() == "type" && attribute->GetNamespaceURI() == kXsiNamespace) return attribute;
@@ -312,9 +331,45 @@ std::string CDynamicObject::GetTargetNamespace() const {
     return m_isRoot ? m_rootNamespace : CXmlGeneratedClass::GetTargetNamespace();
 }
 
+namespace {
+
+bool IsXmlWhitespace(const std::string& text) {
+    for (const char c : text) {
+        if (c != ' ' && c != '\t' && c != '\n' && c != '\r') return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* current,
                                          const CXmlSerializationContext& ctx, bool isRoot) {
+    // Element-only and empty content take no character data; the binding
+    // would drop it unseen.
+    const CComplexType* type = m_description->type;
+    const bool ownElement = m_description->elementType == XmlElementType_Element;
+    if (parent != nullptr && type != nullptr && ownElement &&
+        (type->contentType == CComplexType::ContentType::ElementOnly ||
+         type->contentType == CComplexType::ContentType::Empty) &&
+        !IsXmlWhitespace(parent->GetText())) {
+        std::string text = parent->GetText();
+        if (text.size() > 40) text = text.substr(0, 40) + "...";
+        const CQmValidationException cause(FormatString("Unexpected text [%s] in the element [%s]", text.c_str(),
+                                                        parent->GetLocalName().c_str()));
+        throw CQmValidationException(
+            FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), cause);
+    }
     CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
+    if (m_description->hasCheckedWildcards && parent != nullptr) {
+        try {
+            m_set->CheckWildcardContent(*this, ctx);
+        } catch (const CQmException& e) {
+            // Inlined classes report through their parent element's context.
+            if (!ownElement) throw;
+            throw CQmValidationException(
+                FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), e);
+        }
+    }
     if (m_set->m_index->mapped.runtime[m_description->index].mandatoryInlineChoice) {
         std::string selected;
         const auto& properties = m_description->properties;
@@ -375,16 +430,84 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
                                                      const CXmlSerializationContext& ctx) const {
     const CXmlElement* root = document.GetDocumentElement();
     if (root == nullptr) throw CQmException("Invalid or empty XML document");
-    CSmartPtr<CDynamicObject> object = CreateRootObject(root->GetNamespaceURI(), root->GetLocalName());
-    if (!object) {
-        const std::string name = root->GetNamespaceURI().empty()
-                                     ? root->GetLocalName()
-                                     : "{" + root->GetNamespaceURI() + "}" + root->GetLocalName();
+    const std::string name = root->GetNamespaceURI().empty()
+                                 ? root->GetLocalName()
+                                 : "{" + root->GetNamespaceURI() + "}" + root->GetLocalName();
+    const auto& members = m_index->mapped.rootMembers;
+    const auto member = members.find({root->GetNamespaceURI(), root->GetLocalName()});
+    if (member == members.end()) {
         throw CQmValidationException(
             FormatString("No global element declaration for the root element [%s]", name.c_str()));
     }
+    // The class as a member's factory would pick it: xsi:type, abstract
+    // elements and types, blocked derivations.
+    const CSmartPtr<CXmlObjectBase> made = CreateForElement(member->second, const_cast<CXmlElement*>(root));
+    if (!made) {
+        throw CQmValidationException(FormatString(
+            "The root element [%s] is abstract, or its xsi:type names no type it may take", name.c_str()));
+    }
+    CSmartPtr<CDynamicObject> object(static_cast<CDynamicObject*>(made.Get()));
+    CXmlObjectAccess::SetElementName(object, root->GetLocalName().c_str());
+    object->m_rootNamespace = root->GetNamespaceURI();
+    object->m_isRoot = true;
     object->FromXmlElement(root, ctx);
     return object;
+}
+
+void CDynamicClassSet::CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const {
+    const auto& properties = object.m_description->properties;
+    for (size_t i = 0; i < properties.size(); ++i) {
+        const CPropertyDescription& property = properties[i];
+        if (property.wildcard == nullptr || property.wildcard->processContents == CWildcard::ProcessContents::Skip)
+            continue;
+        const bool strict = property.wildcard->processContents == CWildcard::ProcessContents::Strict;
+        const QmVariant& value = object.m_values[i];
+        if (!value.IsValid() || value.IsNil()) continue;
+        if (property.kind == CPropertyDescription::Kind::Attributes) {
+            const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+            const auto* attributes = dynamic_cast<const CAttributeCol*>(collection.Get());
+            if (attributes == nullptr) continue;
+            for (const CAttribute* attribute : *attributes) {
+                const auto found =
+                    m_index->mapped.globalAttributes.find({attribute->GetNamespaceURI(), attribute->GetLocalName()});
+                if (found == m_index->mapped.globalAttributes.end()) {
+                    if (!strict) continue;
+                    throw CQmValidationException(
+                        FormatString("No global attribute declaration for the attribute [%s] of a strict wildcard",
+                                     attribute->GetLocalName().c_str()));
+                }
+                const CPropertyRuntime& runtime = found->second;
+                QmVariant converted;
+                converted.FromString(attribute->GetValue(), runtime.itemType, runtime.rule);
+                CPrimitiveRestrictions::CheckRestriction(attribute->GetLocalName(), converted, runtime.itemType,
+                                                         runtime.facets, attribute->GetValue(), runtime.rule);
+            }
+            continue;
+        }
+        std::vector<const CElement*> elements;
+        if (property.kind == CPropertyDescription::Kind::Element) {
+            const CSmartPtr<CXmlObjectBase> held = value.GetXmlObject();
+            if (const auto* element = dynamic_cast<const CElement*>(held.Get())) elements.push_back(element);
+        } else {
+            const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+            if (const auto* all = dynamic_cast<const CElementCol*>(collection.Get())) {
+                for (const CElement* element : *all) elements.push_back(element);
+            }
+        }
+        for (const CElement* element : elements) {
+            const CQName name{element->GetNamespaceURI(), element->GetLocalName()};
+            if (m_schemas->FindElement(name) == nullptr) {
+                if (!strict) continue;
+                throw CQmValidationException(
+                    FormatString("No global element declaration for the element [%s] of a strict wildcard",
+                                 element->GetLocalName().c_str()));
+            }
+            // Read as a document of its own, so that its declaration (and
+            // xsi:type) decide its class.
+            const std::string text = element->ToXml(false, false, EOLType_LF, ctx);
+            ReadBuffer(text.data(), text.size(), ctx);
+        }
+    }
 }
 
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadFile(const std::string& path,
@@ -432,10 +555,21 @@ CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateForElement(int classIndex, CXm
             }
             head = head->substitutionGroupHead;
         }
-        if (actual != nullptr && (declared->block & Derivation_Substitution) != 0) actual = nullptr;
+        if (actual != nullptr) {
+            // The head (or its type) may refuse substitution as such, or
+            // members whose types were derived in a way it blocks.
+            const CTypeDefinition* declaredType = declared->type ? declared->type : m_schemas->GetAnyType();
+            const CTypeDefinition* actualType = actual->type ? actual->type : m_schemas->GetAnyType();
+            const unsigned blocked = declared->block | ProhibitedBy(declaredType);
+            if ((blocked & Derivation_Substitution) != 0 ||
+                (blocked & DerivationMethods(actualType, declaredType)) != 0) {
+                actual = nullptr;
+            }
+        }
     }
     if (actual == nullptr || actual->abstract) return CSmartPtr<CXmlObjectBase>();
     const CTypeDefinition* type = actual->type ? actual->type : m_schemas->GetAnyType();
+    const CTypeDefinition* elementType = type;
     // xsi:type names a type derived from the element's.
     if (const CXmlAttribute* xsiType = FindXsiType(element)) {
         const std::string local = LocalPart(xsiType->GetValue());
@@ -450,6 +584,10 @@ CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateForElement(int classIndex, CXm
             }
         }
         if (named == nullptr) return CSmartPtr<CXmlObjectBase>();
+        // The element and its type may block the ways the named type was derived.
+        if (((actual->block | ProhibitedBy(elementType)) & DerivationMethods(named, elementType)) != 0) {
+            return CSmartPtr<CXmlObjectBase>();
+        }
         type = named;
     }
     if (!type->IsSimple() && static_cast<const CComplexType*>(type)->abstract) return CSmartPtr<CXmlObjectBase>();

@@ -8,6 +8,7 @@
 #include "qmxml/metadata/attribute_info.h"
 #include "qmxml/metadata/parent_element_info.h"
 #include "qmxml/schema/attribute_declaration.h"
+#include "qmxml/schema/schema_set.h"
 #include "qmxml/schema/attribute_use.h"
 #include "qmxml/schema/complex_type.h"
 #include "qmxml/schema/element_declaration.h"
@@ -70,6 +71,15 @@ CElementInfo* MakeCollectionInfo(XmlElementGroupType group, Args&&... args) {
     return new CElementInfoCol<CElementInfoSeq>(std::forward<Args>(args)...);
 }
 
+// An empty element of a member with a default or fixed value stands for it.
+void SetEmptyElementValue(CElementInfo* info, const std::string& text) {
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoSeq, true>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoSeq, false>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoAll, true>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoAll, false>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoChoice, false>*>(info)) i->SetEmptyElementValue(text);
+}
+
 XmlElementGroupType GroupOf(CModelGroup::Compositor compositor) {
     switch (compositor) {
         case CModelGroup::Compositor::Choice: return XmlElementGroupType_Choice;
@@ -128,6 +138,18 @@ public:
         for (const CElementDeclaration* element : m_set.GetElements()) {
             const int index = ClassForType(TypeOf(element), element->name.local, element->name.ns);
             m_out.roots[{element->name.ns, element->name.local}] = index;
+            m_out.rootMembers[{element->name.ns, element->name.local}] = static_cast<int>(m_out.substitutable.size());
+            m_out.substitutable.push_back(CSubstitutableMember{element, index});
+        }
+        for (const CAttributeDeclaration* attribute : m_set.GetAttributes()) {
+            const CSimpleType* type = attribute->type ? attribute->type : m_set.GetAnySimpleType();
+            CPropertyRuntime runtime;
+            runtime.itemType = BindingItemType(type);
+            runtime.rule = BindingWhitespaceRule(type);
+            runtime.facets = BindingFacets(type);
+            const bool fixed = attribute->valueConstraint.kind == CValueConstraint::Fixed;
+            runtime.facets.SetValueRule(MakeValueRule(type, fixed ? &attribute->valueConstraint : nullptr));
+            m_out.globalAttributes[{attribute->name.ns, attribute->name.local}] = std::move(runtime);
         }
         while (!m_pending.empty()) {
             const int index = m_pending.front();
@@ -226,6 +248,7 @@ private:
         int valueIndex = -1;
         ItemType valueType = ItemType_None;
         const CSimpleType* valueSimpleType = nullptr;
+        bool mixed = false;
         std::string elementName = description.name;
         const std::string elementNamespace = description.elementNamespace;
         if (description.group != nullptr) {
@@ -242,6 +265,7 @@ private:
                        type->contentType == CComplexType::ContentType::Mixed) {
                 AddContent(index, build, type->contentModel);
             }
+            mixed = type->contentType == CComplexType::ContentType::Mixed;
             for (const CAttributeUse* use : type->attributeUses) AddAttribute(index, build, use);
             if (type->attributeWildcard != nullptr) AddAttributeWildcard(index, build, type->attributeWildcard);
         } else {
@@ -258,6 +282,18 @@ private:
             property.itemType = valueType;
             property.optional = true;
             property.simpleType = valueSimpleType;
+            valueIndex = AddProperty(index, std::move(property));
+        }
+        if (mixed) {
+            // The character data of mixed content, kept as one string and
+            // written after the elements.
+            valueType = ItemType_string;
+            CPropertyDescription property;
+            property.name = UniqueMemberName(build, "Text");
+            property.kind = CPropertyDescription::Kind::Value;
+            property.source = CPropertyDescription::Source::SimpleContent;
+            property.itemType = valueType;
+            property.optional = true;
             valueIndex = AddProperty(index, std::move(property));
         }
         CClassDescription& d = *m_out.classes[index];  // AddParticle may have grown the vector
@@ -370,10 +406,12 @@ private:
             if (collection) {
                 build.elements.push_back(MakeCollectionInfo(groupType, name.c_str(), ns.c_str(), propertyIndex));
             } else {
-                build.elements.push_back(MakeInfo<CElementInfoPrim>(groupType, mandatory, name.c_str(), ns.c_str(),
-                                                                    propertyIndex, element->nillable,
-                                                                    property.itemType, "", runtime.rule,
-                                                                    runtime.facets));
+                CElementInfo* info = MakeInfo<CElementInfoPrim>(groupType, mandatory, name.c_str(), ns.c_str(),
+                                                                propertyIndex, element->nillable, property.itemType,
+                                                                "", runtime.rule, runtime.facets);
+                if (element->valueConstraint.kind != CValueConstraint::None)
+                    SetEmptyElementValue(info, element->valueConstraint.value);
+                build.elements.push_back(info);
             }
         } else {
             const int classIndex = ClassForType(type, name, ns);
@@ -434,6 +472,8 @@ private:
         CPropertyRuntime runtime;
         runtime.restriction = restriction.first;
         runtime.restrictionNamespace = restriction.second;
+        if (wildcard->processContents != CWildcard::ProcessContents::Skip)
+            m_out.classes[index]->hasCheckedWildcards = true;
         const int propertyIndex = static_cast<int>(m_out.classes[index]->properties.size());
         if (collection) {
             build.elements.push_back(MakeCollectionInfo(groupType, "AnyElement", "", propertyIndex));
@@ -516,6 +556,8 @@ private:
         CPropertyRuntime runtime;
         runtime.restriction = restriction.first;
         runtime.restrictionNamespace = restriction.second;
+        if (wildcard->processContents != CWildcard::ProcessContents::Skip)
+            m_out.classes[index]->hasCheckedWildcards = true;
         const int propertyIndex = static_cast<int>(m_out.classes[index]->properties.size());
         build.attributes.push_back(new CAttributeInfoAny("AnyAttribute", "", propertyIndex, true,
                                                          restriction.first.c_str(), restriction.second.c_str(), ""));

@@ -132,6 +132,9 @@ private:
     friend class CDynamicObject;
     CDynamicClassSet() = default;
     CSmartPtr<CDynamicObject> ReadRoot(CXmlDocument& document, const CXmlSerializationContext& ctx) const;
+    // What the wildcards of a read object took, checked as their
+    // processContents asks (strict: declared and valid; lax: valid when declared).
+    void CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const;
 
     std::shared_ptr<const CSchemaSet> m_schemas;
     std::vector<std::unique_ptr<CClassDescription>> m_classes;
