@@ -75,6 +75,8 @@ int main(int argc, char** argv) {
     CLI::App* convertCommand = app.add_subcommand("convert", "write a document again, as XML text or Fast Infoset");
     convertCommand->add_option("IN", convert.input, "the document to read")->required();
     convertCommand->add_option("OUT", convert.output, "the document to write")->required();
+    // One value per --schema (CLI11 lets a list option take every following
+    // word otherwise), so that files may follow it.
     convertCommand->add_option("--schema", convert.schemas,
                                "bind IN to the classes of this schema (repeatable) and write the bound object")
         ->allow_extra_args(false);
