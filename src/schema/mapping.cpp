@@ -394,7 +394,10 @@ private:
                 build.elements.push_back(
                     MakeInfo<CElementInfoUntpd>(groupType, mandatory, name.c_str(), ns.c_str(), propertyIndex, "##any", ""));
             }
-        } else if (type->IsSimple() && element->substitutionGroupMembers.empty()) {
+        } else if (type->IsSimple() && element->substitutionGroupMembers.empty() &&
+                   !(collection && element->nillable)) {
+            // (Repeating nillable values are objects of the type's class
+            // below: value collections have no nil items.)
             const auto* simple = static_cast<const CSimpleType*>(type);
             property.kind = collection ? CPropertyDescription::Kind::Collection : CPropertyDescription::Kind::Value;
             property.itemType = BindingItemType(simple);

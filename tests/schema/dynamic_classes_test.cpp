@@ -145,6 +145,13 @@ const Case kCases[] = {
      "</xs:sequence></xs:complexType></xs:element>",
      "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><a xsi:nil='true'/></r>",
      "<r xmlns=\"urn:t\"><a xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/></r>"},
+    {"NilItemsOfARepeatingValue",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='d' type='xs:dateTime' "
+     "nillable='true' maxOccurs='3'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><d xsi:nil='true'/>"
+     "<d>2020-01-01T10:00:00Z</d></r>",
+     "<r xmlns=\"urn:t\"><d xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>"
+     "<d>2020-01-01T10:00:00Z</d></r>"},
     {"UnqualifiedLocalElements",
      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int' form='unqualified'/>"
      "</xs:sequence></xs:complexType></xs:element>",
