@@ -586,6 +586,21 @@ CSchemaValueRule::CSchemaValueRule(const CSimpleType* type, const CValueConstrai
             // Compared by its text below.
         }
     }
+    // Values written or set are checked by their canonical form, which for
+    // these built-in types every value of the runtime's type has: the
+    // conversion on reading was the only lenient step.
+    static const char* const kExactTypes[] = {"string",  "boolean",      "decimal",     "integer",       "long",
+                                              "int",     "short",        "byte",        "unsignedLong",  "unsignedInt",
+                                              "unsignedShort", "unsignedByte", "double", "float",        "hexBinary",
+                                              "base64Binary"};
+    // (Dates and durations are left out: the runtime holds zones and
+    // fields beyond XML Schema's ranges.)
+    if (type != nullptr && type->builtIn && !impl->hasFixed &&
+        type->name.ns == "http://www.w3.org/2001/XMLSchema") {
+        for (const char* name : kExactTypes) {
+            if (type->name.local == name) m_valuesAlwaysValid = true;
+        }
+    }
     m_impl = std::move(impl);
 }
 
@@ -593,7 +608,7 @@ CSchemaValueRule::~CSchemaValueRule() = default;
 
 void CSchemaValueRule::Check(const std::string& memberName, const QmVariant& value, ItemType,
                              const std::string* text) const {
-    if (value.IsNil()) return;
+    if (value.IsNil() || (text == nullptr && m_valuesAlwaysValid)) return;
     const Impl& impl = *m_impl;
     std::string canonical;
     if (text == nullptr) {

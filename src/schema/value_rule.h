@@ -82,6 +82,9 @@ public:
 
 private:
     std::unique_ptr<const Impl> m_impl;
+    // A built-in type without facets of its own whose runtime item type holds
+    // exactly its value space: a value (as opposed to a text) needs no check.
+    bool m_valuesAlwaysValid = false;
 };
 
 }  // namespace Schema
