@@ -65,7 +65,7 @@ TEST(W3CSuiteReader, AppliesVersionAndStatus) {
 
 TEST(W3CSuiteReader, CauseDropsValuesAndLocation) {
     EXPECT_EQ(qmxml_w3c::CauseOf("In [a.xsd] at [/schema/element[e]]: The type [{urn:x}T] referenced by the element [e] is not defined"),
-              "The type [] referenced by the element [] is not defined");
+              "The type [..] referenced by the element [..] is not defined");
     EXPECT_EQ(qmxml_w3c::CauseOf("mismatched tag at line 4"), "mismatched tag");
 }
 
