@@ -66,6 +66,10 @@ public:
     const CComplexType* type = nullptr;        // null for an inlined group's class
     const CModelGroup* group = nullptr;        // the inlined group, or null
     CQName typeName;                           // named complex types: for xsi:type
+    // The namespace of the elements the class is read from and written as:
+    // a type used by elements of several namespaces (unqualified local
+    // elements, imported types) has one class per namespace.
+    std::string elementNamespace;
     bool abstract = false;
     XmlElementGroupType groupType = XmlElementGroupType_Sequence;
     XmlElementType elementType = XmlElementType_Element;

@@ -23,6 +23,7 @@
 #include "qmxml/core/generated_class.h"
 #include "qmxml/core/serialization_context.h"
 #include "qmxml/core/smart_ptr.h"
+#include "qmxml/metadata/element_infos.h"
 #include "qmxml/schema/class_description.h"
 #include "qmxml/schema/schema_set.h"
 
@@ -70,11 +71,25 @@ public:
     void Init() override;
     std::string GetTypeName() const override;
     bool HasSameClassAs(const CXmlGeneratedClass& other) const override;
+    std::string GetTargetNamespace() const override;
+
+protected:
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
+                             bool isRoot) override;
 
 private:
+    friend class CDynamicClassSet;
+
     const CDynamicClassSet* m_set;
     const CClassDescription* m_description;
     std::vector<QmVariant> m_values;
+    // A root object's namespace (its class may be shared by elements of
+    // several namespaces); unset for members, whose infos name theirs.
+    std::string m_rootNamespace;
+    bool m_isRoot = false;
+    // The object's class is not its member's declared one (xsi:type or a
+    // substitution picked it): xsi:type is written for it.
+    bool m_retyped = false;
 };
 
 class CDynamicClassSet : public QmXmlLib10Data::IClassFactory {
@@ -114,6 +129,7 @@ public:
     CSmartPtr<CXmlObjectBase> CreateForElement(int classIndex, CXmlElement* element) const override;
 
 private:
+    friend class CDynamicObject;
     CDynamicClassSet() = default;
     CSmartPtr<CDynamicObject> ReadRoot(CXmlDocument& document, const CXmlSerializationContext& ctx) const;
 

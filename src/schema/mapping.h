@@ -1,0 +1,62 @@
+// The mapping from schema components to class descriptions and runtime
+// metadata, shared by the dynamic classes and the C++ emitter. Internal.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "qmxml/metadata/element_infos.h"
+#include "qmxml/schema/class_description.h"
+#include "qmxml/schema/schema_set.h"
+#include "qmxml/types/restrictions.h"
+#include "qmxml/types/whitespace.h"
+
+namespace QmXmlLib10 {
+namespace Schema {
+
+// What making a member's initial value needs beyond its description.
+struct CPropertyRuntime {
+    CPrimitiveRestrictions facets;  // values and value collections, schema rule included
+    CWhitespaceUtils::WhitespaceRule rule = CWhitespaceUtils::WhitespaceRule_Preserve;
+    int substitution = -1;          // class collections of substitutable members
+    std::string restriction;        // wildcards: the namespace restriction
+    std::string restrictionNamespace;
+    XmlElementType itemElementType = XmlElementType_Element;  // class collections
+};
+
+struct CClassRuntime {
+    std::vector<CPropertyRuntime> properties;
+    // An inlined choice its parent requires: reading it must select a member.
+    bool mandatoryInlineChoice = false;
+};
+
+// An element member whose element may be substituted (substitution group) or
+// retyped (xsi:type naming a derived type): the factory picks the class from
+// the element it meets.
+struct CSubstitutableMember {
+    const CElementDeclaration* element = nullptr;
+    int classIndex = -1;
+};
+
+struct CMappedSet {
+    std::vector<std::unique_ptr<CClassDescription>> classes;
+    std::vector<CClassRuntime> runtime;  // one per class
+    std::vector<CSubstitutableMember> substitutable;
+    std::map<std::pair<std::string, std::string>, int> roots;  // (namespace, local name) -> class
+    // (type, element namespace) -> class
+    std::map<std::pair<const CTypeDefinition*, std::string>, int> typeClasses;
+};
+
+// Maps every global element and named complex type of the set, and
+// everything they reach. The infos use `factory` to make member objects.
+void MapSchemaSet(const CSchemaSet& set, const QmXmlLib10Data::IClassFactory* factory, CMappedSet& out);
+
+// The namespace restriction string of the runtime's wildcard infos for the
+// constraint, and the target namespace it is relative to.
+std::pair<std::string, std::string> WildcardRestriction(const CNamespaceConstraint& constraint);
+
+}  // namespace Schema
+}  // namespace QmXmlLib10

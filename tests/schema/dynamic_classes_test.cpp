@@ -1,0 +1,256 @@
+// Dynamic classes: documents bound through classes built from a schema at run
+// time, one XML Schema construct at a time, read and written back.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "qmxml/schema/dynamic_classes.h"
+#include "schema_test_support.h"
+
+using namespace QmXmlLib10;
+using namespace QmXmlLib10::Schema;
+using schema_test::Xsd;
+
+namespace {
+
+std::shared_ptr<const CDynamicClassSet> Classes(const std::string& body) {
+    return CDynamicClassSet::Create(CSchemaSet::LoadBuffer(Xsd(body, " elementFormDefault='qualified'")));
+}
+
+// The document read and written back without declaration or indentation, or
+// "!" and the full message chain of the failure.
+std::string RoundTrip(const CDynamicClassSet& classes, const std::string& document,
+                      const CXmlSerializationContext& ctx = CXmlSerializationContext()) {
+    try {
+        const CSmartPtr<CDynamicObject> object = classes.ReadBuffer(document.data(), document.size(), ctx);
+        return object->ToXml(false, false, EOLType_LF, ctx);
+    } catch (const CQmException& e) {
+        return "!" + e.GetFullMessage();
+    }
+}
+
+struct Case {
+    const char* name;
+    const char* schema;
+    const char* document;
+    const char* expected;  // the written text, or "!" and the message chain
+};
+
+void PrintTo(const Case& c, std::ostream* os) { *os << c.name; }
+
+const char* const kItem = "<xs:element name='a' type='xs:int'/><xs:element name='b' type='xs:string'/>";
+
+const Case kCases[] = {
+    {"SequenceOfSimpleValues",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int'/>"
+     "<xs:element name='b' type='xs:string' minOccurs='0'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><a> 7 </a></r>", "<r xmlns=\"urn:t\"><a>7</a></r>"},
+    {"MissingMandatoryElement",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'/>", "!Failed to process the element [r]\n\nFailed to find a required element [a]"},
+    {"ChoiceInsideSequence",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int'/><xs:choice>"
+     "<xs:element name='b' type='xs:string'/><xs:element name='c' type='xs:string'/></xs:choice>"
+     "<xs:element name='d' type='xs:int'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><a>1</a><c>x</c><d>2</d></r>", "<r xmlns=\"urn:t\"><a>1</a><c>x</c><d>2</d></r>"},
+    {"EmptyMandatoryChoice",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int'/><xs:choice>"
+     "<xs:element name='b' type='xs:string'/><xs:element name='c' type='xs:string'/></xs:choice>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><a>1</a></r>",
+     "!Failed to process the element [r]\n\nNo child elements within the element [r] were populated. The element "
+     "represents a choice, so one and only one element should be populated. The element contained no sutable "
+     "child elements"},
+    {"RepeatingSequenceGroup",
+     "<xs:element name='r'><xs:complexType><xs:sequence maxOccurs='unbounded'>"
+     "<xs:element name='a' type='xs:int'/><xs:element name='b' type='xs:string'/></xs:sequence>"
+     "</xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><a>1</a><b>x</b><a>2</a><b>y</b></r>",
+     "<r xmlns=\"urn:t\"><a>1</a><b>x</b><a>2</a><b>y</b></r>"},
+    {"RepeatingElementsOfSimpleType",
+     "<xs:element name='r'><xs:complexType><xs:sequence>"
+     "<xs:element name='d' type='xs:date' minOccurs='2' maxOccurs='3'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><d>2026-11-24</d><d>2026-11-25Z</d></r>",
+     "<r xmlns=\"urn:t\"><d>2026-11-24</d><d>2026-11-25Z</d></r>"},
+    {"AllGroupInAnyOrder",
+     "<xs:element name='r'><xs:complexType><xs:all>" "<xs:element name='a' type='xs:int'/>"
+     "<xs:element name='b' type='xs:string' minOccurs='0'/></xs:all></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><b>x</b><a>1</a></r>", "<r xmlns=\"urn:t\"><a>1</a><b>x</b></r>"},
+    {"ExtensionAddsToItsBase",
+     "<xs:complexType name='base'><xs:sequence><xs:element name='a' type='xs:int'/></xs:sequence>"
+     "<xs:attribute name='id' type='xs:ID'/></xs:complexType>"
+     "<xs:complexType name='ext'><xs:complexContent><xs:extension base='base'><xs:sequence>"
+     "<xs:element name='b' type='xs:string'/></xs:sequence></xs:extension></xs:complexContent></xs:complexType>"
+     "<xs:element name='r' type='ext'/>",
+     "<r xmlns='urn:t' id='k'><a>1</a><b>x</b></r>", "<r xmlns=\"urn:t\" id=\"k\"><a>1</a><b>x</b></r>"},
+    {"SimpleContentWithAnAttribute",
+     "<xs:element name='r'><xs:complexType><xs:simpleContent><xs:extension base='xs:decimal'>"
+     "<xs:attribute name='unit' type='xs:string' use='required'/></xs:extension></xs:simpleContent>"
+     "</xs:complexType></xs:element>",
+     "<r xmlns='urn:t' unit='kg'>12.50</r>", "<r xmlns=\"urn:t\" unit=\"kg\">12.5</r>"},
+    {"SimpleTypedRoot", "<xs:element name='r' type='xs:int'/>", "<r xmlns='urn:t'>42</r>",
+     "<r xmlns=\"urn:t\">42</r>"},
+    {"ElementWildcardOfOtherNamespaces",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int'/>"
+     "<xs:any namespace='##other' processContents='skip' maxOccurs='unbounded'/></xs:sequence>"
+     "</xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><a>1</a><x:w xmlns:x='urn:x'>t</x:w></r>",
+     "<r xmlns=\"urn:t\"><a>1</a><AA:w xmlns:AA=\"urn:x\">t</AA:w></r>"},
+    {"AttributeWildcard",
+     "<xs:element name='r'><xs:complexType><xs:anyAttribute namespace='##any' processContents='lax'/>"
+     "</xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:x='urn:x' x:k='v'/>", "<r xmlns=\"urn:t\" xmlns:AA=\"urn:x\" AA:k=\"v\"/>"},
+    {"UnknownAttributeWithoutWildcard",
+     "<xs:element name='r'><xs:complexType><xs:attribute name='k' type='xs:int'/></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' z='1'/>", "!Failed to process the element [r]\n\nUnexpected Attribute [z] found."},
+    {"SubstitutionGroupMember",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element ref='head' maxOccurs='unbounded'/>"
+     "</xs:sequence></xs:complexType></xs:element>"
+     "<xs:complexType name='ht'><xs:sequence><xs:element name='a' type='xs:int'/></xs:sequence></xs:complexType>"
+     "<xs:complexType name='mt'><xs:complexContent><xs:extension base='ht'><xs:sequence>"
+     "<xs:element name='b' type='xs:int'/></xs:sequence></xs:extension></xs:complexContent></xs:complexType>"
+     "<xs:element name='head' type='ht'/><xs:element name='member' type='mt' substitutionGroup='head'/>",
+     "<r xmlns='urn:t'><head><a>1</a></head><member><a>2</a><b>3</b></member></r>",
+     "<r xmlns=\"urn:t\"><head><a>1</a></head><member><a>2</a><b>3</b></member></r>"},
+    {"AbstractHeadIsNotAllowedItself",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element ref='head'/>"
+     "</xs:sequence></xs:complexType></xs:element>"
+     "<xs:element name='head' type='xs:anyType' abstract='true'/>"
+     "<xs:element name='member' substitutionGroup='head'><xs:complexType/></xs:element>",
+     "<r xmlns='urn:t'><head/></r>",
+     "!Failed to process the element [r]\n\nFailed to find a suitable substitution element for [head]"},
+    {"XsiTypeNamesADerivedType",
+     "<xs:complexType name='ht'><xs:sequence><xs:element name='a' type='xs:int'/></xs:sequence></xs:complexType>"
+     "<xs:complexType name='mt'><xs:complexContent><xs:extension base='ht'><xs:sequence>"
+     "<xs:element name='b' type='xs:int'/></xs:sequence></xs:extension></xs:complexContent></xs:complexType>"
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='v' type='ht'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>"
+     "<v xsi:type='mt'><a>1</a><b>2</b></v></r>",
+     "<r xmlns=\"urn:t\"><v xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"mt\"><a>1</a><b>2</b>"
+     "</v></r>"},
+    {"RecursiveType",
+     "<xs:complexType name='node'><xs:sequence><xs:element name='n' type='node' minOccurs='0' "
+     "maxOccurs='unbounded'/></xs:sequence><xs:attribute name='v' type='xs:int'/></xs:complexType>"
+     "<xs:element name='r' type='node'/>",
+     "<r xmlns='urn:t' v='1'><n v='2'><n v='3'/></n><n/></r>",
+     "<r xmlns=\"urn:t\" v=\"1\"><n v=\"2\"><n v=\"3\"/></n><n/></r>"},
+    {"NillableElement",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int' nillable='true'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><a xsi:nil='true'/></r>",
+     "<r xmlns=\"urn:t\"><a xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/></r>"},
+    {"UnqualifiedLocalElements",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int' form='unqualified'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<t:r xmlns:t='urn:t'><a>5</a></t:r>", "<r xmlns=\"urn:t\"><a xmlns=\"\">5</a></r>"},
+    {"UnknownRoot", "<xs:element name='r' type='xs:int'/>", "<q xmlns='urn:t'>1</q>",
+     "!No global element declaration for the root element [{urn:t}q]"},
+};
+
+class Construct : public ::testing::TestWithParam<Case> {};
+
+TEST_P(Construct, ReadsAndWritesBack) {
+    const Case& c = GetParam();
+    const auto classes = Classes(c.schema);
+    EXPECT_EQ(RoundTrip(*classes, c.document), c.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Dynamic, Construct, ::testing::ValuesIn(kCases),
+                         [](const ::testing::TestParamInfo<Case>& info) { return std::string(info.param.name); });
+
+TEST(DynamicXsiType, IsLeftOutWhenTheContextSaysSo) {
+    const auto classes = Classes(
+        "<xs:complexType name='ht'><xs:sequence><xs:element name='a' type='xs:int'/></xs:sequence></xs:complexType>"
+        "<xs:complexType name='mt'><xs:complexContent><xs:extension base='ht'><xs:sequence>"
+        "<xs:element name='b' type='xs:int'/></xs:sequence></xs:extension></xs:complexContent></xs:complexType>"
+        "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='v' type='ht' maxOccurs='2'/>"
+        "</xs:sequence></xs:complexType></xs:element>");
+    CXmlSerializationContext ctx;
+    ctx.SetWriteTypeAttribute(false);
+    EXPECT_EQ(RoundTrip(*classes,
+                        "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>"
+                        "<v><a>0</a></v><v xsi:type='mt'><a>1</a><b>2</b></v></r>",
+                        ctx),
+              "<r xmlns=\"urn:t\"><v><a>0</a></v><v><a>1</a><b>2</b></v></r>");
+}
+
+TEST(DynamicClassSet, DescribesEachClass) {
+    const auto classes = Classes(
+        "<xs:complexType name='pt'><xs:sequence><xs:element name='x' type='xs:decimal'/>"
+        "<xs:element name='tag' type='xs:string' minOccurs='0' maxOccurs='unbounded'/></xs:sequence>"
+        "<xs:attribute name='id' type='xs:int' use='required'/></xs:complexType>"
+        "<xs:element name='pt'><xs:complexType><xs:sequence><xs:element name='p' type='pt'/>"
+        "</xs:sequence></xs:complexType></xs:element>");
+    ASSERT_EQ(classes->GetClasses().size(), 2u);
+    const CClassDescription& named = *classes->GetClasses()[0];
+    EXPECT_EQ(named.name, "pt");
+    ASSERT_EQ(named.properties.size(), 3u);
+    EXPECT_EQ(named.properties[0].name, "x");
+    EXPECT_EQ(named.properties[0].kind, CPropertyDescription::Kind::Value);
+    EXPECT_EQ(named.properties[0].itemType, ItemType_decimal);
+    EXPECT_EQ(named.properties[1].kind, CPropertyDescription::Kind::Collection);
+    EXPECT_EQ(named.properties[2].source, CPropertyDescription::Source::Attribute);
+    EXPECT_FALSE(named.properties[2].optional);
+    // The anonymous type of element pt gives way to the named type pt.
+    EXPECT_EQ(classes->GetClasses()[1]->name, "pt2");
+    EXPECT_EQ(classes->FindRootClass("urn:t", "pt"), classes->GetClasses()[1].get());
+}
+
+TEST(DynamicObject, ValuesAreSetThroughTheMembersChecks) {
+    const auto classes = Classes(
+        "<xs:simpleType name='small'><xs:restriction base='xs:int'><xs:maxInclusive value='9'/>"
+        "</xs:restriction></xs:simpleType>"
+        "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='small'/></xs:sequence>"
+        "</xs:complexType></xs:element>");
+    const CSmartPtr<CDynamicObject> r = classes->CreateRootObject("urn:t", "r");
+    ASSERT_TRUE(r);
+    QmVariant value;
+    value.SetI4(10);
+    try {
+        r->SetValue("a", value);
+        FAIL() << "accepted";
+    } catch (const CQmValidationException& e) {
+        EXPECT_EQ(e.GetFullMessage(), "Invalid Value for a [10]");
+    }
+    EXPECT_FALSE(r->GetValue("a").IsValid());
+    value.SetI4(9);
+    r->SetValue("a", value);
+    EXPECT_EQ(r->ToXml(false, false), "<r xmlns=\"urn:t\"><a>9</a></r>");
+    try {
+        r->GetValue(5);
+        FAIL() << "accepted";
+    } catch (const CQmInvalidParamException& e) {
+        EXPECT_EQ(e.GetFullMessage(), "Invalid property index [5] for the class [r]");
+    }
+}
+
+TEST(DynamicClassSet, ReadsFromManyThreadsAtOnce) {
+    const auto classes = Classes(
+        "<xs:complexType name='node'><xs:sequence><xs:element name='n' type='node' minOccurs='0' "
+        "maxOccurs='unbounded'/></xs:sequence><xs:attribute name='v' type='xs:int'/></xs:complexType>"
+        "<xs:element name='r' type='node'/>");
+    std::string document = "<r xmlns='urn:t' v='0'>";
+    for (int i = 0; i < 200; ++i) document += "<n v='" + std::to_string(i) + "'><n/></n>";
+    document += "</r>";
+    const std::string expected = RoundTrip(*classes, document);
+    ASSERT_EQ(expected.find('!'), std::string::npos) << expected;
+    std::atomic<int> same{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 20; ++i) {
+                if (RoundTrip(*classes, document) == expected) ++same;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(same.load(), 80);
+}
+
+}  // namespace
