@@ -354,8 +354,11 @@ bool ExpandQName(const std::string& value, const Scope& scope, std::string& expa
 // Whether two collapsed lexical forms of a primitive type name one value.
 bool SameAtomic(const std::string& primitive, const std::string& a, const std::string& b, const Scope& sa,
                 const Scope& sb) {
-    if (a == b) return true;
     std::string x, y;
+    // One prefix may stand for two namespaces in the two documents.
+    if (primitive == "QName" || primitive == "NOTATION")
+        return ExpandQName(a, sa, x) && ExpandQName(b, sb, y) && x == y;
+    if (a == b) return true;
     if (primitive == "decimal") return CanonicalDecimal(a, x) && CanonicalDecimal(b, y) && x == y;
     if (primitive == "float" || primitive == "double") return SameFloat(a, b, primitive == "float");
     if (primitive == "boolean") return BooleanOf(a) >= 0 && BooleanOf(a) == BooleanOf(b);
@@ -372,8 +375,6 @@ bool SameAtomic(const std::string& primitive, const std::string& a, const std::s
             if (!IsXmlSpace(c)) y += c;
         return x == y;
     }
-    if (primitive == "QName" || primitive == "NOTATION")
-        return ExpandQName(a, sa, x) && ExpandQName(b, sb, y) && x == y;
     if (primitive == "dateTime" || primitive == "time")
         return CanonicalDateTime(a, primitive == "time") == CanonicalDateTime(b, primitive == "time");
     if (primitive == "date" || primitive == "gYearMonth" || primitive == "gYear" || primitive == "gMonthDay" ||
@@ -391,7 +392,6 @@ bool SameAtomic(const std::string& primitive, const std::string& a, const std::s
 bool SameValue(const CSimpleType* type, const std::string& a, const std::string& b, const Scope& sa, const Scope& sb) {
     if (type == nullptr) return a == b;
     const std::string x = Whitespace(a, type->whiteSpace), y = Whitespace(b, type->whiteSpace);
-    if (x == y) return true;
     switch (type->variety) {
     case CSimpleType::Variety::List: {
         std::vector<std::string> xs, ys;
@@ -422,7 +422,20 @@ bool SameValue(const CSimpleType* type, const std::string& a, const std::string&
     case CSimpleType::Variety::None:
         break;
     }
-    return false;
+    return x == y;
+}
+
+// A value as a message shows it: tabs, line feeds and carriage returns as
+// character references, so that whitespace differences can be seen.
+std::string Shown(const std::string& value) {
+    std::string out;
+    for (char c : value) {
+        if (c == '\t') out += "&#9;";
+        else if (c == '\n') out += "&#10;";
+        else if (c == '\r') out += "&#13;";
+        else out += c;
+    }
+    return out;
 }
 
 std::string NameOf(const std::string& ns, const std::string& local) {
@@ -612,7 +625,7 @@ private:
             if (vc != nullptr && ta.empty() && !HasChildren(na)) ta = vc->value;
             if (vc != nullptr && tb.empty() && !HasChildren(nb)) tb = vc->value;
             if (!SameValue(simple, ta, tb, Scope{&m_a, f.a}, Scope{&m_b, f.b}))
-                return "Text differs at [" + PathOf(f.path) + "]: [" + ta + "] against [" + tb + "]";
+                return "Text differs at [" + PathOf(f.path) + "]: [" + Shown(ta) + "] against [" + Shown(tb) + "]";
         }
         return Content(f, type, simpleContent && !nil, stack);
     }
@@ -662,7 +675,7 @@ private:
             const std::string* vb = entry.second.second;
             if (va != nullptr && vb != nullptr) {
                 if (!same(*va, *vb))
-                    return "Attribute [" + name + "] differs at [" + PathOf(f.path) + "]: [" + *va + "] against [" + *vb + "]";
+                    return "Attribute [" + name + "] differs at [" + PathOf(f.path) + "]: [" + Shown(*va) + "] against [" + Shown(*vb) + "]";
                 continue;
             }
             const std::string fallback = !primitive.empty() ? "false" : constraint != nullptr ? constraint->value : "";
@@ -717,7 +730,7 @@ private:
             }
             if (x != nullptr && x->child < 0 && y != nullptr && y->child < 0) {
                 if (x->text != y->text)
-                    return "Text differs at [" + PathOf(f.path) + "]: [" + x->text + "] against [" + y->text + "]";
+                    return "Text differs at [" + PathOf(f.path) + "]: [" + Shown(x->text) + "] against [" + Shown(y->text) + "]";
                 continue;
             }
             if (x != nullptr && x->child >= 0) {
@@ -728,8 +741,8 @@ private:
                 const Node& c = m_b.nodes[y->child];
                 return "Extra element [" + NameOf(c.ns, c.local) + "] at [" + PathOf(f.path) + "/" + pb[cb] + "]";
             }
-            return "Text differs at [" + PathOf(f.path) + "]: [" + (x != nullptr && x->child < 0 ? x->text : std::string()) +
-                   "] against [" + (y != nullptr && y->child < 0 ? y->text : std::string()) + "]";
+            return "Text differs at [" + PathOf(f.path) + "]: [" + Shown(x != nullptr && x->child < 0 ? x->text : std::string()) +
+                   "] against [" + Shown(y != nullptr && y->child < 0 ? y->text : std::string()) + "]";
         }
         for (auto it = children.rbegin(); it != children.rend(); ++it) stack.push_back(std::move(*it));
         return std::string();

@@ -31,7 +31,8 @@ namespace qmxml_w3c {
 //   "Text differs at [path]: [text] against [text]"
 // Paths name elements by local name from the root, with [n] for the n-th of
 // several siblings of one name ("/order/line[2]"); values are the original's
-// first, the copy's second.
+// first, the copy's second, with tabs, line feeds and carriage returns shown
+// as "&#9;", "&#10;" and "&#13;".
 //
 // What does not count as a difference: attribute order, namespace prefixes
 // and declarations, xsi:schemaLocation and xsi:noNamespaceSchemaLocation,

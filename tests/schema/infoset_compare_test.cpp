@@ -95,6 +95,9 @@ TEST_F(InfosetCompare, AttributeValuesCompareInTheirValueSpace) {
     EXPECT_EQ(Compare(Doc(" count=\"3\"", ""), Doc(" count=\"4\"", "")), "Attribute [count] differs at [/root]: [3] against [4]");
     // A string keeps its whitespace.
     EXPECT_EQ(Compare(Doc(" note=\" x\"", ""), Doc(" note=\"x\"", "")), "Attribute [note] differs at [/root]: [ x] against [x]");
+    // Whitespace characters other than the space are shown as references.
+    EXPECT_EQ(Compare(Doc(" note=\"a&#9;b&#13;\"", ""), Doc(" note=\"a b&#10;\"", "")),
+              "Attribute [note] differs at [/root]: [a&#9;b&#13;] against [a b&#10;]");
 }
 
 TEST_F(InfosetCompare, MissingAndExtraAttributes) {
@@ -138,6 +141,19 @@ TEST_F(InfosetCompare, XsiTypeSelectsTheTypeOfTheContent) {
               "Types differ at [/root/item]: [{urn:t}Derived] against [{urn:t}Base]");
     // Naming the declared type is the same as naming none.
     EXPECT_EQ(Compare(Doc("", "<t:item/>"), Doc("", "<t:item xsi:type=\"t:Base\"/>")), "");
+}
+
+TEST_F(InfosetCompare, QNamesCompareByTheirNamespaceNotTheirPrefix) {
+    const std::string a = "<t:root xmlns:t=\"urn:t\" xmlns:p=\"urn:p\"><t:qname>p:x</t:qname></t:root>";
+    EXPECT_EQ(Compare(a, "<t:root xmlns:t=\"urn:t\" xmlns:p=\"urn:other\"><t:qname>p:x</t:qname></t:root>"),
+              "Text differs at [/root/qname]: [p:x] against [p:x]");
+    // A prefix the copy no longer declares.
+    EXPECT_EQ(Compare(a, "<t:root xmlns:t=\"urn:t\"><t:qname>p:x</t:qname></t:root>"),
+              "Text differs at [/root/qname]: [p:x] against [p:x]");
+    EXPECT_EQ(Compare(Doc("", "<t:item xsi:type=\"t:Base\"/>"),
+                      "<t:root xmlns:t=\"urn:t\"><t:item xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" "
+                      "i:type=\"xs:Base\"/></t:root>"),
+              "Types differ at [/root/item]: [{urn:t}Base] against [xs:Base]");
 }
 
 TEST_F(InfosetCompare, WithoutSchemaValuesCompareExactly) {
