@@ -121,9 +121,12 @@ bool CElementInfoPrim<Group, Mandatory>::ElementFromXml(const CXmlSerializationC
                                                         const char*, XmlElementType) {
     return this->ReadSimpleElement(ctx, obj, current, Mandatory && detail::IsSequence<Group>, m_nillable,
                                    [this](const CXmlElement* element, QmVariant& value) {
-                                       value.FromString(element->GetText(), m_type, m_rule);
+                                       const bool empty = m_hasEmptyValue && element->GetText().empty() &&
+                                                          element->GetFirstElement() == nullptr;
+                                       const std::string& text = empty ? m_emptyValue : element->GetText();
+                                       value.FromString(text, m_type, m_rule);
                                        CPrimitiveRestrictions::CheckRestriction(this->GetElementName(), value, m_type,
-                                                                                m_facets, element->GetText(), m_rule);
+                                                                                m_facets, text, m_rule);
                                    });
 }
 

@@ -98,6 +98,30 @@ private:
     bool m_inlined;
 };
 
+// The repeating elements of one name whose type is xs:anyType: kept whole,
+// like wildcard elements, but only while the name is theirs.
+class CNamedElementCol final : public CElementCol {
+public:
+    CNamedElementCol(const char* name, const char* ns, std::int32_t minOccurs, std::int32_t maxOccurs)
+        : CElementCol(name, "##any", "", minOccurs, maxOccurs), m_namespace(ns ? ns : "") {}
+
+protected:
+    CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* current, const CXmlSerializationContext& ctx,
+                             bool) override {
+        const std::string name = GetElementName();
+        while (current && DoesElementNameMatch(ctx, current, name, m_namespace)) {
+            CSmartPtr<CElement> element = new CElement();
+            element->ReadFrom(current);
+            AppendItem(element);
+            current = current->GetNextSiblingElement();
+        }
+        return current;
+    }
+
+private:
+    std::string m_namespace;
+};
+
 template <class Col>
 CXmlCollectionBase* MakeValueCollection(const char* name, const char* ns, std::int32_t minOccurs,
                                         std::int32_t maxOccurs, const CPropertyRuntime& runtime) {
@@ -253,11 +277,12 @@ void CDynamicObject::Init() {
                                                          extra.restrictionNamespace.c_str()));
                 break;
             case CPropertyDescription::Kind::Collection:
-                if (property.source == CPropertyDescription::Source::Wildcard ||
-                    (property.classIndex < 0 && property.simpleType == nullptr)) {
-                    value.SetXmlCollection(new CElementCol(
-                        property.source == CPropertyDescription::Source::Wildcard ? "AnyElement" : name,
-                        extra.restriction.c_str(), extra.restrictionNamespace.c_str(), minOccurs, maxOccurs));
+                if (property.source == CPropertyDescription::Source::Wildcard) {
+                    value.SetXmlCollection(new CElementCol("AnyElement", extra.restriction.c_str(),
+                                                           extra.restrictionNamespace.c_str(), minOccurs,
+                                                           maxOccurs));
+                } else if (property.classIndex < 0 && property.simpleType == nullptr) {
+                    value.SetXmlCollection(new CNamedElementCol(name, ns, minOccurs, maxOccurs));
                 } else if (property.classIndex >= 0) {
                     const bool inlined = extra.itemElementType != XmlElementType_Element;
                     const char* itemName = inlined ? property.name.c_str() : name;
@@ -287,8 +312,33 @@ std::string CDynamicObject::GetTargetNamespace() const {
     return m_isRoot ? m_rootNamespace : CXmlGeneratedClass::GetTargetNamespace();
 }
 
+namespace {
+
+bool IsXmlWhitespace(const std::string& text) {
+    for (const char c : text) {
+        if (c != ' ' && c != '\t' && c != '\n' && c != '\r') return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* current,
                                          const CXmlSerializationContext& ctx, bool isRoot) {
+    // Element-only and empty content take no character data; the binding
+    // would drop it unseen.
+    const CComplexType* type = m_description->type;
+    if (parent != nullptr && type != nullptr && m_description->elementType == XmlElementType_Element &&
+        (type->contentType == CComplexType::ContentType::ElementOnly ||
+         type->contentType == CComplexType::ContentType::Empty) &&
+        !IsXmlWhitespace(parent->GetText())) {
+        std::string text = parent->GetText();
+        if (text.size() > 40) text = text.substr(0, 40) + "...";
+        const CQmValidationException cause(FormatString("Unexpected text [%s] in the element [%s]", text.c_str(),
+                                                        parent->GetLocalName().c_str()));
+        throw CQmValidationException(
+            FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), cause);
+    }
     CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
     if (m_set->m_index->mapped.runtime[m_description->index].mandatoryInlineChoice) {
         std::string selected;
@@ -420,7 +470,8 @@ CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateForElement(int classIndex, CXm
             const CClassDescription& base = *m_classes[found->second];
             if (base.typeName.local == local) named = type;
             for (int derived : base.derivedClasses) {
-                if (named == nullptr && m_classes[derived]->typeName.local == local) named = m_classes[derived]->type;
+                if (named == nullptr && m_classes[derived]->typeName.local == local)
+                    named = m_index->mapped.classTypes[derived];
             }
         }
         if (named == nullptr) return CSmartPtr<CXmlObjectBase>();

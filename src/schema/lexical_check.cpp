@@ -1,9 +1,12 @@
 #include "schema/lexical_check.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "qmxml/core/exception.h"
+#include "qmxml/types/conversions.h"
+#include "qmxml/types/date_time.h"
+#include "qmxml/types/date_time_span.h"
+#include "qmxml/types/decimal.h"
 #include "qmxml/types/restrictions.h"
 #include "qmxml/types/whitespace.h"
 
@@ -12,38 +15,100 @@ namespace Schema {
 
 namespace {
 
+using C = CConversions;
+constexpr auto kAsIs = CWhitespaceUtils::WhitespaceRule_None;
+
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-// Lexical forms of the date, time and duration primitives, in XML Schema's own
-// regular-expression language (matched by the runtime's pattern engine).
-const char* const kTimeZone = "(Z|[+\\-]((0[0-9]|1[0-3]):[0-5][0-9]|14:00))?";
-
-std::string DatePattern(const char* name) {
-    const std::string year = "-?([1-9][0-9]{3,}|0[0-9]{3})";
-    const std::string month = "(0[1-9]|1[0-2])";
-    const std::string day = "(0[1-9]|[12][0-9]|3[01])";
-    const std::string time = "(([01][0-9]|2[0-3]):[0-5][0-9]:[0-5][0-9](\\.[0-9]+)?|24:00:00(\\.0+)?)";
-    const std::string n = name;
-    std::string body;
-    if (n == "dateTime") body = year + "-" + month + "-" + day + "T" + time;
-    else if (n == "date") body = year + "-" + month + "-" + day;
-    else if (n == "time") body = time;
-    else if (n == "gYearMonth") body = year + "-" + month;
-    else if (n == "gYear") body = year;
-    else if (n == "gMonthDay") body = "--" + month + "-" + day;
-    else if (n == "gDay") body = "---" + day;
-    else if (n == "gMonth") body = "--" + month;
-    else return std::string();
-    return body + kTimeZone;
-}
 
 bool Matches(const std::string& value, const std::string& pattern) {
     try {
         return CPrimitiveRestrictions::MatchesPattern(value, pattern);
     } catch (const CQmException&) {
-        // A pattern the engine cannot run is reported where it is declared.
-        return true;
+        // Only a value that is not UTF-8 gets here: the patterns below compile.
+        return false;
     }
+}
+
+// The shapes of the date and time primitives, in XML Schema's own
+// regular-expression language. The runtime's parser checks the fields (day
+// within its month, year 0) but takes zones up to 23:59 and four-digit years
+// only, so the shape is checked here and the fields there.
+const std::string& DatePattern(Primitive p) {
+    static const std::string zone = "(Z|[+\\-]((0[0-9]|1[0-3]):[0-5][0-9]|14:00))?";
+    static const std::string year = "-?([1-9][0-9]{3,}|0[0-9]{3})";
+    static const std::string month = "(0[1-9]|1[0-2])";
+    static const std::string day = "(0[1-9]|[12][0-9]|3[01])";
+    static const std::string time = "(([01][0-9]|2[0-3]):[0-5][0-9]:[0-5][0-9](\\.[0-9]+)?|24:00:00(\\.0+)?)";
+    static const std::string patterns[] = {
+        year + "-" + month + "-" + day + "T" + time + zone,  // dateTime
+        time + zone,                                       // time
+        year + "-" + month + "-" + day + zone,             // date
+        year + "-" + month + zone,                         // gYearMonth
+        year + zone,                                       // gYear
+        "--" + month + "-" + day + zone,                   // gMonthDay
+        "---" + day + zone,                                // gDay
+        "--" + month + zone,                               // gMonth
+    };
+    return patterns[static_cast<int>(p) - static_cast<int>(Primitive::DateTime)];
+}
+
+bool IsDateKind(Primitive p) { return p >= Primitive::DateTime && p <= Primitive::GMonth; }
+
+CDateTime::DTType DateTypeOf(Primitive p) {
+    switch (p) {
+        case Primitive::DateTime: return CDateTime::dt_dateTime;
+        case Primitive::Time: return CDateTime::dt_time;
+        case Primitive::Date: return CDateTime::dt_date;
+        case Primitive::GYearMonth: return CDateTime::dt_gYearMonth;
+        case Primitive::GYear: return CDateTime::dt_gYear;
+        case Primitive::GMonthDay: return CDateTime::dt_gMonthDay;
+        case Primitive::GDay: return CDateTime::dt_gDay;
+        default: return CDateTime::dt_gMonth;
+    }
+}
+
+// Checks the fields of a literal of the right shape with the runtime's
+// parser. A year of more than four digits is checked as the four-digit year
+// with the same place in the 400-year leap cycle; representable is false then.
+bool CheckDateFields(Primitive p, const std::string& text, CDateTime& value, bool& representable) {
+    std::string s = text;
+    representable = true;
+    const bool hasYear = p == Primitive::DateTime || p == Primitive::Date || p == Primitive::GYearMonth ||
+                         p == Primitive::GYear;
+    if (hasYear) {
+        const std::size_t start = s[0] == '-' ? 1 : 0;
+        std::size_t end = start;
+        while (end < s.size() && IsDigit(s[end])) ++end;
+        if (end - start > 4) {
+            representable = false;
+            int cycle = 0;
+            for (std::size_t i = start; i < end; ++i) cycle = (cycle * 10 + (s[i] - '0')) % 400;
+            s.replace(start, end - start, std::to_string(2000 + cycle));
+        }
+    }
+    // XML Schema 1.0 allows 24:00:00, the first instant of the next day; the
+    // runtime does not, so it reads midnight and the day is added below.
+    bool endOfDay = false;
+    if (p == Primitive::DateTime || p == Primitive::Time) {
+        const std::size_t at = p == Primitive::Time ? 0 : s.find('T') + 1;
+        if (s.compare(at, 2, "24") == 0) {
+            endOfDay = true;
+            s.replace(at, 2, "00");
+        }
+    }
+    try {
+        value.ParseXSD(s.c_str(), DateTypeOf(p));
+    } catch (const CQmException&) {
+        return false;  // a field out of range, such as a day past its month's end
+    }
+    if (endOfDay && p == Primitive::DateTime) {
+        try {
+            value.AddDuration(CDateTimeSpan(0, 0, 1, 0, 0, 0));
+        } catch (const CQmException&) {
+            representable = false;  // the day after 9999-12-31
+        }
+    }
+    return true;
 }
 
 bool IsFloatLiteral(const std::string& s) {
@@ -67,33 +132,30 @@ bool IsFloatLiteral(const std::string& s) {
     return i == s.size();
 }
 
-bool IsDurationLiteral(const std::string& s) {
-    if (!Matches(s, "-?P([0-9]+Y)?([0-9]+M)?([0-9]+D)?(T([0-9]+H)?([0-9]+M)?([0-9]+(\\.[0-9]+)?S)?)?")) return false;
-    // At least one component, and no T without a time component.
-    const std::size_t p = s.find('P');
-    if (p == std::string::npos || p + 1 >= s.size()) return false;
-    return s.back() != 'T';
-}
-
-bool IsHexBinary(const std::string& s) {
-    if (s.size() % 2 != 0) return false;
-    return std::all_of(s.begin(), s.end(), [](char c) { return std::strchr("0123456789abcdefABCDEF", c) != nullptr && c != 0; });
-}
-
+// XML Schema 1.0's base64 grammar: groups of four, a space allowed after any
+// character but the last, and padding only where the last group leaves bits
+// unused ("AQ==" but not "AR==").
 bool IsBase64(const std::string& s) {
-    std::size_t count = 0;
-    std::size_t padding = 0;
-    for (const char c : s) {
-        if (c == ' ') continue;
-        const bool alpha = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || IsDigit(c) || c == '+' || c == '/';
-        if (c == '=') {
-            ++padding;
-        } else if (!alpha || padding > 0) {
-            return false;
+    std::string chars;
+    chars.reserve(s.size());
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        if (s[i] == ' ') {
+            if (i == 0 || i + 1 == s.size() || s[i - 1] == ' ') return false;
+            continue;
         }
-        ++count;
+        chars += s[i];
     }
-    return count % 4 == 0 && padding <= 2;
+    if (chars.size() % 4 != 0) return false;
+    auto isB64 = [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || IsDigit(c) || c == '+' || c == '/';
+    };
+    std::size_t padding = 0;
+    while (padding < chars.size() && padding < 2 && chars[chars.size() - 1 - padding] == '=') ++padding;
+    for (std::size_t i = 0; i + padding < chars.size(); ++i)
+        if (!isB64(chars[i])) return false;
+    if (padding == 0) return true;
+    const char last = chars[chars.size() - 1 - padding];
+    return std::strchr(padding == 2 ? "AQgw" : "AEIMQUYcgkosw048", last) != nullptr;
 }
 
 bool IsQNameLiteral(const std::string& s) {
@@ -102,68 +164,30 @@ bool IsQNameLiteral(const std::string& s) {
     return IsNCNameLiteral(s.substr(0, colon)) && IsNCNameLiteral(s.substr(colon + 1));
 }
 
-std::string StripDecimal(const std::string& s, bool& negative) {
-    std::size_t i = 0;
-    negative = false;
-    if (i < s.size() && (s[i] == '+' || s[i] == '-')) negative = s[i++] == '-';
-    std::string digits = s.substr(i);
-    if (digits.find('.') != std::string::npos) {
-        while (!digits.empty() && digits.back() == '0') digits.pop_back();
-        if (!digits.empty() && digits.back() == '.') digits.pop_back();
-    }
-    std::size_t lead = 0;
-    while (lead + 1 < digits.size() && digits[lead] == '0' && digits[lead + 1] != '.') ++lead;
-    digits.erase(0, lead);
-    if (digits.empty() || digits == "0" || digits == ".") {
-        negative = false;
-        return "0";
-    }
-    return digits;
-}
-
-int CompareMagnitudes(const std::string& a, const std::string& b) {
-    const std::size_t ap = std::min(a.find('.'), a.size());
-    const std::size_t bp = std::min(b.find('.'), b.size());
-    if (ap != bp) return ap < bp ? -1 : 1;
-    const std::size_t n = std::max(a.size(), b.size());
-    for (std::size_t i = 0; i < n; ++i) {
-        const char ca = i < a.size() ? a[i] : '0';
-        const char cb = i < b.size() ? b[i] : '0';
-        const char da = ca == '.' ? '0' : ca;
-        const char db = cb == '.' ? '0' : cb;
-        if (da != db) return da < db ? -1 : 1;
-    }
-    return 0;
-}
-
-bool IsPrimitiveLiteral(const std::string& primitive, const std::string& s) {
-    if (primitive == "string" || primitive == "anyURI") return true;
-    if (primitive == "boolean") return s == "true" || s == "false" || s == "1" || s == "0";
-    if (primitive == "decimal") return IsDecimalLiteral(s, true);
-    if (primitive == "float" || primitive == "double") return IsFloatLiteral(s);
-    if (primitive == "duration") return IsDurationLiteral(s);
-    if (primitive == "hexBinary") return IsHexBinary(s);
-    if (primitive == "base64Binary") return IsBase64(s);
-    if (primitive == "QName" || primitive == "NOTATION") return IsQNameLiteral(s);
-    const std::string pattern = DatePattern(primitive.c_str());
-    if (!pattern.empty()) return Matches(s, pattern);
-    return true;
-}
-
 }  // namespace
 
-bool IsNCNameLiteral(const std::string& s) {
-    // ASCII by the XML name rules; characters beyond ASCII are let through
-    // (the XML parser already checked the names it read).
-    if (s.empty()) return false;
-    for (std::size_t i = 0; i < s.size(); ++i) {
-        const unsigned char c = static_cast<unsigned char>(s[i]);
-        if (c >= 0x80) continue;
-        const bool start = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-        const bool other = IsDigit(static_cast<char>(c)) || c == '-' || c == '.';
-        if (!(start || (i > 0 && other))) return false;
-    }
-    return true;
+Primitive PrimitiveOf(const CSimpleType* type) {
+    if (type == nullptr || type->variety != CSimpleType::Variety::Atomic || type->primitiveType == nullptr)
+        return Primitive::AnySimple;
+    static const struct {
+        const char* name;
+        Primitive primitive;
+    } kNames[] = {
+        {"string", Primitive::String},         {"boolean", Primitive::Boolean},
+        {"decimal", Primitive::Decimal},       {"float", Primitive::Float},
+        {"double", Primitive::Double},         {"duration", Primitive::Duration},
+        {"dateTime", Primitive::DateTime},     {"time", Primitive::Time},
+        {"date", Primitive::Date},             {"gYearMonth", Primitive::GYearMonth},
+        {"gYear", Primitive::GYear},           {"gMonthDay", Primitive::GMonthDay},
+        {"gDay", Primitive::GDay},             {"gMonth", Primitive::GMonth},
+        {"hexBinary", Primitive::HexBinary},   {"base64Binary", Primitive::Base64Binary},
+        {"anyURI", Primitive::AnyURI},         {"QName", Primitive::QName},
+        {"NOTATION", Primitive::Notation},
+    };
+    const std::string& name = type->primitiveType->name.local;
+    for (const auto& entry : kNames)
+        if (name == entry.name) return entry.primitive;
+    return Primitive::AnySimple;
 }
 
 std::string NormalizeWhiteSpace(const std::string& text, WhiteSpace whiteSpace) {
@@ -179,6 +203,57 @@ std::string NormalizeWhiteSpace(const std::string& text, WhiteSpace whiteSpace) 
     }
 }
 
+bool IsPrimitiveLiteral(Primitive primitive, const std::string& s) {
+    switch (primitive) {
+        case Primitive::AnySimple:
+        case Primitive::String:
+        case Primitive::AnyURI:
+            return true;
+        case Primitive::Boolean:
+            return s == "true" || s == "false" || s == "1" || s == "0";
+        case Primitive::Decimal:
+            return IsDecimalLiteral(s, true);
+        case Primitive::Float:
+        case Primitive::Double:
+            return IsFloatLiteral(s);
+        case Primitive::Duration:
+            // The runtime's parser is as strict as XML Schema here, up to the
+            // size of each count and nine fraction digits.
+            try {
+                C::durationFromString(s, kAsIs);
+                return true;
+            } catch (const CQmException&) {
+                return false;
+            }
+        case Primitive::HexBinary:
+            try {
+                C::hexBinaryFromString(s, kAsIs);
+                return true;
+            } catch (const CQmException&) {
+                return false;
+            }
+        case Primitive::Base64Binary:
+            return IsBase64(s);
+        case Primitive::QName:
+        case Primitive::Notation:
+            return IsQNameLiteral(s);
+        default: {
+            if (!Matches(s, DatePattern(primitive))) return false;
+            CDateTime value;
+            bool representable = true;
+            return CheckDateFields(primitive, s, value, representable);
+        }
+    }
+}
+
+bool ParseDateLiteral(Primitive primitive, const std::string& text, CDateTime& value) {
+    if (!IsDateKind(primitive) || !Matches(text, DatePattern(primitive))) return false;
+    bool representable = true;
+    return CheckDateFields(primitive, text, value, representable) && representable;
+}
+
+bool IsNCNameLiteral(const std::string& s) { return Matches(s, "[\\i-[:]][\\c-[:]]*"); }
+
 bool IsDecimalLiteral(const std::string& s, bool allowPoint) {
     std::size_t i = 0;
     if (i < s.size() && (s[i] == '+' || s[i] == '-')) ++i;
@@ -192,75 +267,11 @@ bool IsDecimalLiteral(const std::string& s, bool allowPoint) {
 }
 
 int CompareDecimals(const std::string& a, const std::string& b) {
-    bool an = false;
-    bool bn = false;
-    const std::string am = StripDecimal(a, an);
-    const std::string bm = StripDecimal(b, bn);
-    if (an != bn) return an ? -1 : 1;
-    const int c = CompareMagnitudes(am, bm);
-    return an ? -c : c;
-}
-
-bool IsValidLiteral(const CSimpleType* type, const std::string& text, int depth) {
-    if (type == nullptr || depth > 16) return true;
-    const std::string value = NormalizeWhiteSpace(text, type->whiteSpace);
-    for (const auto& step : type->facets.patterns) {
-        bool any = false;
-        for (const std::string& p : step) any = any || Matches(value, p);
-        if (!any) return false;
-    }
-    switch (type->variety) {
-        case CSimpleType::Variety::None:
-            return true;
-        case CSimpleType::Variety::Union:
-            for (const CSimpleType* member : type->memberTypes)
-                if (IsValidLiteral(member, value, depth + 1)) return true;
-            return type->memberTypes.empty();
-        case CSimpleType::Variety::List: {
-            std::size_t start = 0;
-            std::size_t items = 0;
-            const std::string collapsed = NormalizeWhiteSpace(value, WhiteSpace::Collapse);
-            while (start < collapsed.size()) {
-                std::size_t end = collapsed.find(' ', start);
-                if (end == std::string::npos) end = collapsed.size();
-                if (!IsValidLiteral(type->itemType, collapsed.substr(start, end - start), depth + 1)) return false;
-                ++items;
-                start = end + 1;
-            }
-            if (type->facets.length && items != type->facets.length->value) return false;
-            if (type->facets.minLength && items < type->facets.minLength->value) return false;
-            if (type->facets.maxLength && items > type->facets.maxLength->value) return false;
-            return true;
-        }
-        case CSimpleType::Variety::Atomic:
-            break;
-    }
-    if (type->primitiveType == nullptr) return true;
-    const std::string& primitive = type->primitiveType->name.local;
-    if (!IsPrimitiveLiteral(primitive, value)) return false;
-    if (primitive == "decimal") {
-        // Bounds and digits of the built-in integer types.
-        const CFacets& f = type->facets;
-        if (f.fractionDigits && f.fractionDigits->value == 0 && f.fractionDigits->fixed &&
-            !IsDecimalLiteral(value, false))
-            return false;
-        const bool integral = IsDecimalLiteral(value, false);
-        if (integral) {
-            if (f.minInclusive && IsDecimalLiteral(f.minInclusive->value, true) &&
-                CompareDecimals(value, f.minInclusive->value) < 0)
-                return false;
-            if (f.maxInclusive && IsDecimalLiteral(f.maxInclusive->value, true) &&
-                CompareDecimals(value, f.maxInclusive->value) > 0)
-                return false;
-        }
-    }
-    if ((primitive == "string" || primitive == "anyURI") && !type->facets.enumeration.empty()) {
-        bool found = false;
-        for (const std::string& e : type->facets.enumeration)
-            found = found || NormalizeWhiteSpace(e, type->whiteSpace) == value;
-        if (!found) return false;
-    }
-    return true;
+    // The runtime's decimals compare exactly; a leading '+' is all they lack.
+    auto value = [](const std::string& s) { return CDecimal(!s.empty() && s[0] == '+' ? s.substr(1) : s); };
+    const CDecimal x = value(a);
+    const CDecimal y = value(b);
+    return x < y ? -1 : (y < x ? 1 : 0);
 }
 
 }  // namespace Schema

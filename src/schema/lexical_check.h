@@ -1,5 +1,5 @@
-// Whether a text is a valid literal of a simple type, as far as the loader
-// needs it for facet values and value constraints. Internal.
+// The lexical spaces of XML Schema's primitive types (CSchemaValueRule checks
+// everything else a simple type asks of a literal). Internal.
 #pragma once
 
 #include <string>
@@ -7,23 +7,63 @@
 #include "qmxml/schema/simple_type.h"
 
 namespace QmXmlLib10 {
+
+class CDateTime;
+
 namespace Schema {
+
+// The 19 primitive types, and AnySimple for anySimpleType (whose lexical
+// space is every string).
+enum class Primitive : int {
+    AnySimple,
+    String,
+    Boolean,
+    Decimal,
+    Float,
+    Double,
+    Duration,
+    DateTime,
+    Time,
+    Date,
+    GYearMonth,
+    GYear,
+    GMonthDay,
+    GDay,
+    GMonth,
+    HexBinary,
+    Base64Binary,
+    AnyURI,
+    QName,
+    Notation,
+};
+
+// The primitive an atomic type derives from (AnySimple for anySimpleType,
+// lists, unions and null).
+Primitive PrimitiveOf(const CSimpleType* type);
 
 // The text after the type's whitespace handling.
 std::string NormalizeWhiteSpace(const std::string& text, WhiteSpace whiteSpace);
 
-// Checks the lexical form against the primitive type, the built-in integer
-// bounds, every pattern along the derivation chain and, for string-like
-// types, the enumeration. Lists check each item, unions accept a literal any
-// member accepts. Bounds of user types are not compared (that needs value
-// comparisons the runtime's conversions provide later). depth guards
-// unions of lists of unions.
-bool IsValidLiteral(const CSimpleType* type, const std::string& text, int depth = 0);
+// True when text (already normalized) is in the lexical space of the
+// primitive as XML Schema 1.0 defines it, stricter than the runtime's
+// conversions where those are lenient (signs, exponents, letter case, zones
+// beyond 14:00, base64 padding). Dates with years beyond the runtime's four
+// digits are valid here; see ParseDateLiteral.
+bool IsPrimitiveLiteral(Primitive primitive, const std::string& text);
+
+// The date value of a valid literal of one of the nine date and time
+// primitives, "24:00:00" read as the next day's midnight. False when the
+// runtime cannot hold it (a year of more than four digits) or the literal is
+// not valid.
+bool ParseDateLiteral(Primitive primitive, const std::string& text, CDateTime& value);
 
 // Compares two optionally signed decimal literals by value: <0, 0 or >0.
 // Both must be valid decimal literals.
 int CompareDecimals(const std::string& a, const std::string& b);
+// An optional sign and digits, with one optional point when allowPoint (at
+// least one digit on either side).
 bool IsDecimalLiteral(const std::string& text, bool allowPoint);
+// An XML 1.0 name without a colon.
 bool IsNCNameLiteral(const std::string& text);
 
 }  // namespace Schema

@@ -70,6 +70,15 @@ CElementInfo* MakeCollectionInfo(XmlElementGroupType group, Args&&... args) {
     return new CElementInfoCol<CElementInfoSeq>(std::forward<Args>(args)...);
 }
 
+// An empty element of a member with a default or fixed value stands for it.
+void SetEmptyElementValue(CElementInfo* info, const std::string& text) {
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoSeq, true>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoSeq, false>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoAll, true>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoAll, false>*>(info)) return i->SetEmptyElementValue(text);
+    if (auto* i = dynamic_cast<CElementInfoPrim<CElementInfoChoice, false>*>(info)) i->SetEmptyElementValue(text);
+}
+
 XmlElementGroupType GroupOf(CModelGroup::Compositor compositor) {
     switch (compositor) {
         case CModelGroup::Compositor::Choice: return XmlElementGroupType_Choice;
@@ -78,6 +87,15 @@ XmlElementGroupType GroupOf(CModelGroup::Compositor compositor) {
     }
     return XmlElementGroupType_Sequence;
 }
+
+// Every built-in simple type an xsi:type may name.
+const char* const kBuiltInSimpleTypes[] = {
+    "anySimpleType", "string", "normalizedString", "token", "language", "Name", "NCName", "ID", "IDREF", "IDREFS",
+    "ENTITY", "ENTITIES", "NMTOKEN", "NMTOKENS", "boolean", "decimal", "integer", "nonPositiveInteger",
+    "negativeInteger", "long", "int", "short", "byte", "nonNegativeInteger", "unsignedLong", "unsignedInt",
+    "unsignedShort", "unsignedByte", "positiveInteger", "float", "double", "duration", "dateTime", "time", "date",
+    "gYearMonth", "gYear", "gMonthDay", "gDay", "gMonth", "hexBinary", "base64Binary", "anyURI", "QName",
+    "NOTATION"};
 
 // Whether the particle can match nothing at all.
 bool IsEmptiable(const CParticle* particle) {
@@ -159,6 +177,7 @@ private:
         description->name = UniqueClassName(std::move(name));
         m_out.classes.push_back(std::move(description));
         m_out.runtime.emplace_back();
+        m_out.classTypes.push_back(nullptr);
         m_pending.push_back(static_cast<int>(m_out.classes.size()) - 1);
         return static_cast<int>(m_out.classes.size()) - 1;
     }
@@ -176,12 +195,25 @@ private:
         if (!type->IsAnonymous()) description.typeName = type->name;
         if (type->IsSimple()) m_simpleClasses[index] = static_cast<const CSimpleType*>(type);
         m_out.typeClasses[{type, ns}] = index;
+        m_out.classTypes[index] = type;
         // xsi:type may name any type derived from this one: each gets its
         // class for elements of this namespace too.
         if (m_hasDerived.count(type) != 0) {
             for (const CTypeDefinition* other : m_set.GetTypes()) {
                 if (other != type && !other->IsSimple() && other->DerivesFrom(type))
                     ClassForType(other, other->name.local, ns);
+            }
+        }
+        if (type->IsSimple()) {
+            // Simple types get classes only as substitutable elements' types;
+            // xsi:type may then name a user or built-in type derived from it.
+            for (const CTypeDefinition* other : m_set.GetTypes()) {
+                if (other != type && other->IsSimple() && !other->IsAnonymous() && other->DerivesFrom(type))
+                    ClassForType(other, other->name.local, ns);
+            }
+            for (const char* builtIn : kBuiltInSimpleTypes) {
+                const CSimpleType* other = m_set.GetBuiltInType(builtIn);
+                if (other != nullptr && other != type && other->DerivesFrom(type)) ClassForType(other, builtIn, ns);
             }
         }
         return index;
@@ -203,6 +235,7 @@ private:
         int valueIndex = -1;
         ItemType valueType = ItemType_None;
         const CSimpleType* valueSimpleType = nullptr;
+        bool mixed = false;
         std::string elementName = description.name;
         const std::string elementNamespace = description.elementNamespace;
         if (description.group != nullptr) {
@@ -219,6 +252,7 @@ private:
                        type->contentType == CComplexType::ContentType::Mixed) {
                 AddContent(index, build, type->contentModel);
             }
+            mixed = type->contentType == CComplexType::ContentType::Mixed;
             for (const CAttributeUse* use : type->attributeUses) AddAttribute(index, build, use);
             if (type->attributeWildcard != nullptr) AddAttributeWildcard(index, build, type->attributeWildcard);
         } else {
@@ -235,6 +269,18 @@ private:
             property.itemType = valueType;
             property.optional = true;
             property.simpleType = valueSimpleType;
+            valueIndex = AddProperty(index, std::move(property));
+        }
+        if (mixed) {
+            // The character data of mixed content, kept as one string and
+            // written after the elements.
+            valueType = ItemType_string;
+            CPropertyDescription property;
+            property.name = UniqueMemberName(build, "Text");
+            property.kind = CPropertyDescription::Kind::Value;
+            property.source = CPropertyDescription::Source::SimpleContent;
+            property.itemType = valueType;
+            property.optional = true;
             valueIndex = AddProperty(index, std::move(property));
         }
         CClassDescription& d = *m_out.classes[index];  // AddParticle may have grown the vector
@@ -335,7 +381,7 @@ private:
                 build.elements.push_back(
                     MakeInfo<CElementInfoUntpd>(groupType, mandatory, name.c_str(), ns.c_str(), propertyIndex, "##any", ""));
             }
-        } else if (type->IsSimple()) {
+        } else if (type->IsSimple() && element->substitutionGroupMembers.empty()) {
             const auto* simple = static_cast<const CSimpleType*>(type);
             property.kind = collection ? CPropertyDescription::Kind::Collection : CPropertyDescription::Kind::Value;
             property.itemType = BindingItemType(simple);
@@ -347,10 +393,12 @@ private:
             if (collection) {
                 build.elements.push_back(MakeCollectionInfo(groupType, name.c_str(), ns.c_str(), propertyIndex));
             } else {
-                build.elements.push_back(MakeInfo<CElementInfoPrim>(groupType, mandatory, name.c_str(), ns.c_str(),
-                                                                    propertyIndex, element->nillable,
-                                                                    property.itemType, "", runtime.rule,
-                                                                    runtime.facets));
+                CElementInfo* info = MakeInfo<CElementInfoPrim>(groupType, mandatory, name.c_str(), ns.c_str(),
+                                                                propertyIndex, element->nillable, property.itemType,
+                                                                "", runtime.rule, runtime.facets);
+                if (element->valueConstraint.kind != CValueConstraint::None)
+                    SetEmptyElementValue(info, element->valueConstraint.value);
+                build.elements.push_back(info);
             }
         } else {
             const int classIndex = ClassForType(type, name, ns);
@@ -389,6 +437,7 @@ private:
     // type, or a type other types derive from (xsi:type).
     bool IsSubstitutable(const CElementDeclaration* element, const CTypeDefinition* type) {
         if (!element->substitutionGroupMembers.empty() || element->abstract) return true;
+        if (type->IsSimple()) return false;
         const auto* complex = static_cast<const CComplexType*>(type);
         return complex->abstract || m_hasDerived.count(type) != 0;
     }
@@ -500,11 +549,11 @@ private:
 
     void LinkDerivedClasses() {
         for (const auto& description : m_out.classes) {
-            if (description->type == nullptr) continue;
+            const CTypeDefinition* type = m_out.classTypes[description->index];
+            if (type == nullptr) continue;
             // Nearest base first: walk up the chain once.
-            const CTypeDefinition* base = description->type->baseType;
-            for (int guard = 0; base != nullptr && guard < 10000; ++guard) {
-                if (base == m_set.GetAnyType() || base->IsSimple()) break;
+            const CTypeDefinition* base = type->baseType;
+            for (int guard = 0; base != nullptr && base != type && guard < 10000; ++guard) {
                 const auto found = m_out.typeClasses.find({base, description->elementNamespace});
                 if (found != m_out.typeClasses.end()) {
                     m_out.classes[found->second]->derivedClasses.push_back(description->index);

@@ -48,6 +48,7 @@ struct CMappedSet {
     std::map<std::pair<std::string, std::string>, int> roots;  // (namespace, local name) -> class
     // (type, element namespace) -> class
     std::map<std::pair<const CTypeDefinition*, std::string>, int> typeClasses;
+    std::vector<const CTypeDefinition*> classTypes;  // per class: its type, null for groups
 };
 
 // Maps every global element and named complex type of the set, and

@@ -25,6 +25,7 @@
 #include "schema/lexical_check.h"
 #include "schema/schema_set_impl.h"
 #include "schema/particle_restriction.h"
+#include "schema/value_rule.h"
 #include "schema/xpath_check.h"
 
 namespace QmXmlLib10 {
@@ -247,6 +248,12 @@ private:
     T* Lookup(CQNameMap<T>& map, const Node* node, const CQName& name, Space space, const char* what);
     const CTypeDefinition* LookupType(const Node* node, const CQName& name, const char* what);
 
+    // ---- literals
+    // Whether text is a valid value of the type. Each type's rule is built
+    // once (its enumeration read once), however many literals are checked
+    // against it; only settled types are asked.
+    bool IsValidLiteral(const CSimpleType* type, const std::string& text);
+
     // ---- stage 2
     void CheckAttributes(const Node* node) const;
     void ReadAnnotations(const Node* node, CSchemaComponent* component) const;
@@ -321,6 +328,7 @@ private:
     std::vector<std::pair<const Node*, CIdentityConstraint*>> m_keyrefs;
     std::vector<std::pair<CParticle*, const CModelGroupDefinition*>> m_groupParticles;
     std::unordered_set<const CElementDeclaration*> m_explicitType;
+    std::unordered_map<const CSimpleType*, std::unique_ptr<const CSchemaValueRule>> m_literalRules;
     int m_bufferCount = 0;
 };
 
@@ -1497,6 +1505,13 @@ void CSchemaLoader::DeriveSimpleTypeStep(CSimpleType* type) {
             (cmp(own.minExclusive, base->facets.minInclusive, c) && c < 0))
             Fail(node, "A bound lies outside the bounds of the base type " + TypeLabel(base));
     }
+}
+
+bool CSchemaLoader::IsValidLiteral(const CSimpleType* type, const std::string& text) {
+    if (type == nullptr) return true;
+    std::unique_ptr<const CSchemaValueRule>& rule = m_literalRules[type];
+    if (!rule) rule = std::make_unique<const CSchemaValueRule>(type, nullptr);
+    return rule->Accepts(text);
 }
 
 void CSchemaLoader::CheckFacets(CSimpleType* type, const Node* node) {

@@ -149,6 +149,19 @@ const Case kCases[] = {
      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int' form='unqualified'/>"
      "</xs:sequence></xs:complexType></xs:element>",
      "<t:r xmlns:t='urn:t'><a>5</a></t:r>", "<r xmlns=\"urn:t\"><a xmlns=\"\">5</a></r>"},
+    {"DefaultOfAnEmptyElement",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int' default='5'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><a/></r>", "<r xmlns=\"urn:t\"><a>5</a></r>"},
+    {"TextInElementOnlyContent",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'>oops<a>1</a></r>",
+     "!Failed to process the element [r]\n\nUnexpected text [oops] in the element [r]"},
+    {"MixedContentKeepsItsText",
+     "<xs:element name='r'><xs:complexType mixed='true'><xs:sequence><xs:element name='a' type='xs:int'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'>note <a>1</a></r>", "<r xmlns=\"urn:t\"><a>1</a>note </r>"},
     {"UnknownRoot", "<xs:element name='r' type='xs:int'/>", "<q xmlns='urn:t'>1</q>",
      "!No global element declaration for the root element [{urn:t}q]"},
 };

@@ -88,6 +88,12 @@ public:
     bool IsNillable() const { return m_nillable; }
     ItemType GetItemType() const { return m_type; }
     const std::string& GetFormat() const { return m_format; }
+    // The text an empty element stands for: a schema's default or fixed
+    // value. Without one (the default) an empty element is read as "".
+    void SetEmptyElementValue(const std::string& text) {
+        m_emptyValue = text;
+        m_hasEmptyValue = true;
+    }
     CWhitespaceUtils::WhitespaceRule GetWhitespaceRule() const { return m_rule; }
     const CPrimitiveRestrictions& GetRestrictions() const { return m_facets; }
 
@@ -101,6 +107,8 @@ private:
     std::string m_format;
     CWhitespaceUtils::WhitespaceRule m_rule;
     CPrimitiveRestrictions m_facets;
+    std::string m_emptyValue;
+    bool m_hasEmptyValue = false;
 };
 
 // An enumerated value held as an int (i4) and converted by the two generated
