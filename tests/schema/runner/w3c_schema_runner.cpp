@@ -534,10 +534,11 @@ int main(int argc, char** argv) {
         std::printf("\n%s: round trips are checked by the infoset comparison alone.\n",
                     options.xmllint == "none" ? "xmllint left out (--xmllint none)"
                                               : ("xmllint (" + options.xmllint + ") not found").c_str());
-    std::printf("\nvalid schemas: loaded; invalid schemas: refused; valid instances: accepted; round trips: of the\n"
-                "accepted valid instances, written back and %s the same infoset; invalid inst.: rejected;\n"
-                "identity inst.: invalid instances of schemas with key, keyref or unique, rejected.\n",
-                lint ? "passing xmllint when the original does, with" : "with");
+    std::printf("\nvalid schemas: loaded; invalid schemas: refused; valid instances: accepted;\n"
+                "round trips: accepted valid instances written back with the same infoset%s;\n"
+                "invalid inst.: rejected; identity inst.: invalid instances of schemas with key,\n"
+                "keyref or unique, rejected.\n",
+                lint ? "\n  and passing xmllint when the original does" : "");
 
     std::vector<std::pair<std::string, const Group*>> sorted;
     for (const auto& g : groups) sorted.emplace_back(g.first, &g.second);
