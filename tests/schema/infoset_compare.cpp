@@ -2,6 +2,7 @@
 
 #include <expat.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cmath>
@@ -454,14 +455,28 @@ public:
         return m_schemas == nullptr ? nullptr : m_schemas->FindElement(CQName{ns, local});
     }
 
-    // The declaration of a child named {ns}local of an element of type parent.
-    const CElementDeclaration* Child(const CTypeDefinition* parent, const std::string& ns, const std::string& local) {
+    // The declarations a child named {ns}local of an element of type parent
+    // may have. One content model may declare one name several times with
+    // the same type (the schema rules demand that) but other defaults, and
+    // which one applies depends on the position; all are returned.
+    std::vector<const CElementDeclaration*> Child(const CTypeDefinition* parent, const std::string& ns,
+                                                  const std::string& local) {
+        const CElementDeclaration* one = OneChild(parent, ns, local);
+        if (one == nullptr || parent == nullptr || parent->IsSimple()) return {one};
+        const auto& rules = RulesOf(static_cast<const CComplexType*>(parent));
+        const auto found = rules.names.find(CQNameKey(ns, local));
+        if (found == rules.names.end()) return {one};
+        return found->second;
+    }
+
+    // The first declaration of a child name (the one whose type applies).
+    const CElementDeclaration* OneChild(const CTypeDefinition* parent, const std::string& ns, const std::string& local) {
         if (m_schemas == nullptr) return nullptr;
         if (parent == nullptr) return Global(ns, local);
         if (parent->IsSimple()) return nullptr;
         const auto& rules = RulesOf(static_cast<const CComplexType*>(parent));
         const auto found = rules.names.find(CQNameKey(ns, local));
-        if (found != rules.names.end()) return found->second;
+        if (found != rules.names.end()) return found->second.front();
         for (const CWildcard* w : rules.wildcards)
             if (w->namespaceConstraint.Allows(ns))
                 return w->processContents == CWildcard::ProcessContents::Skip ? nullptr : Global(ns, local);
@@ -492,7 +507,7 @@ public:
 private:
     using CQNameKey = std::pair<std::string, std::string>;
     struct Rules {
-        std::map<CQNameKey, const CElementDeclaration*> names;
+        std::map<CQNameKey, std::vector<const CElementDeclaration*>> names;
         std::vector<const CWildcard*> wildcards;
     };
 
@@ -508,9 +523,8 @@ private:
             const CParticle* p = pending.back();
             pending.pop_back();
             if (p->termKind == CParticle::TermKind::Element && p->element != nullptr) {
-                rules.names.emplace(CQNameKey(p->element->name.ns, p->element->name.local), p->element);
-                for (const CElementDeclaration* member : p->element->substitutionGroupMembers)
-                    rules.names.emplace(CQNameKey(member->name.ns, member->name.local), member);
+                Add(rules, p->element);
+                for (const CElementDeclaration* member : p->element->substitutionGroupMembers) Add(rules, member);
             } else if (p->termKind == CParticle::TermKind::Wildcard && p->wildcard != nullptr) {
                 rules.wildcards.push_back(p->wildcard);
             } else if (p->modelGroup != nullptr && seen.insert(p->modelGroup).second) {
@@ -519,6 +533,11 @@ private:
             }
         }
         return rules;
+    }
+
+    static void Add(Rules& rules, const CElementDeclaration* declaration) {
+        auto& list = rules.names[CQNameKey(declaration->name.ns, declaration->name.local)];
+        if (std::find(list.begin(), list.end(), declaration) == list.end()) list.push_back(declaration);
     }
 
     const CSchemaSet* m_schemas;
@@ -598,8 +617,10 @@ private:
         if (na.ns != nb.ns || na.local != nb.local)
             return "Element names differ at [" + PathOf(f.path) + "]: [" + NameOf(na.ns, na.local) + "] against [" +
                    NameOf(nb.ns, nb.local) + "]";
-        const CElementDeclaration* decl =
-            f.root ? m_view.Global(na.ns, na.local) : m_view.Child(f.parentType, na.ns, na.local);
+        const std::vector<const CElementDeclaration*> candidates =
+            f.root ? std::vector<const CElementDeclaration*>{m_view.Global(na.ns, na.local)}
+                   : m_view.Child(f.parentType, na.ns, na.local);
+        const CElementDeclaration* decl = candidates.front();
         const CTypeDefinition* declared = decl != nullptr ? decl->type : nullptr;
         const std::string xa = XsiType(m_a, f.a), xb = XsiType(m_b, f.b);
         const std::string ka = xa.empty() ? TypeKey(declared) : xa;
@@ -618,13 +639,23 @@ private:
             simple = static_cast<const CComplexType*>(type)->simpleContentType;
         const bool simpleContent = type != nullptr && (type->IsSimple() || simple != nullptr);
         if (simpleContent && !nil) {
-            std::string ta = TextOf(na), tb = TextOf(nb);
-            const CValueConstraint* vc = decl != nullptr && decl->valueConstraint.kind != CValueConstraint::None
-                                             ? &decl->valueConstraint
-                                             : nullptr;
-            if (vc != nullptr && ta.empty() && !HasChildren(na)) ta = vc->value;
-            if (vc != nullptr && tb.empty() && !HasChildren(nb)) tb = vc->value;
-            if (!SameValue(simple, ta, tb, Scope{&m_a, f.a}, Scope{&m_b, f.b}))
+            // An empty element stands for its declaration's default: any
+            // of them when the name is declared more than once.
+            std::vector<std::string> defaults;
+            for (const CElementDeclaration* c : candidates)
+                if (c != nullptr && c->valueConstraint.kind != CValueConstraint::None)
+                    defaults.push_back(c->valueConstraint.value);
+            auto readings = [&](const Node& n) {
+                const std::string text = TextOf(n);
+                return text.empty() && !HasChildren(n) && !defaults.empty() ? defaults : std::vector<std::string>{text};
+            };
+            const std::vector<std::string> ra = readings(na), rb = readings(nb);
+            bool same = false;
+            for (const std::string& x : ra)
+                for (const std::string& y : rb) same = same || SameValue(simple, x, y, Scope{&m_a, f.a}, Scope{&m_b, f.b});
+            const std::string& ta = ra.front();
+            const std::string& tb = rb.front();
+            if (!same)
                 return "Text differs at [" + PathOf(f.path) + "]: [" + Shown(ta) + "] against [" + Shown(tb) + "]";
         }
         return Content(f, type, simpleContent && !nil, stack);

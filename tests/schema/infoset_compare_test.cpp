@@ -123,6 +123,17 @@ TEST_F(InfosetCompare, ElementDefaultsFillEmptyElements) {
               "Text differs at [/root/withDefault]: [7] against [8]");
 }
 
+TEST(InfosetCompareDefaults, OneNameDeclaredTwiceWithOtherDefaults) {
+    const auto schemas = CSchemaSet::LoadBuffer(R"(<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema">
+      <xs:element name="root"><xs:complexType><xs:sequence>
+        <xs:element name="e" type="xs:int" default="1"/>
+        <xs:element name="e" type="xs:int" default="2"/>
+      </xs:sequence></xs:complexType></xs:element></xs:schema>)");
+    EXPECT_EQ(CompareInfosets("<root><e/><e/></root>", "<root><e>1</e><e>2</e></root>", schemas.get()), "");
+    EXPECT_EQ(CompareInfosets("<root><e/><e/></root>", "<root><e>1</e><e>3</e></root>", schemas.get()),
+              "Text differs at [/root/e[2]]: [1] against [3]");
+}
+
 TEST_F(InfosetCompare, MissingExtraAndRenamedElements) {
     const std::string two = Doc("", "<t:decimal>1</t:decimal><t:decimal>2</t:decimal>");
     const std::string one = Doc("", "<t:decimal>1</t:decimal>");
