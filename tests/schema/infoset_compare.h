@@ -19,7 +19,9 @@ class CSchemaSet;
 namespace qmxml_w3c {
 
 // Returns "" when the two documents carry the same infoset, else the first
-// difference in document order, one of:
+// difference found walking down from the root (an element's name, type,
+// attributes and the sequence of its content before anything inside its
+// children), one of:
 //   "The original does not parse: <Expat's message> at line N" (or "The copy ...")
 //   "Element names differ at [path]: [{ns}a] against [{ns}b]"
 //   "Missing element [{ns}a] at [path]"        (in the original only)
