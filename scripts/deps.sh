@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing: with "build", only what
-# building the library, the tool and the examples needs; with "test" (the
-# default), also what the tests, fuzz targets and benchmarks need (GoogleTest,
-# Google Benchmark, GMP, libxml2, clang's fuzzer runtime, the Java Fast Infoset
-# reference implementation, gSOAP).
+# building the library, the tool (whose command line CLI11 parses) and the
+# examples needs; with "test" (the default), also what the tests, fuzz targets
+# and benchmarks need (GoogleTest, Google Benchmark, GMP, libxml2, clang's
+# fuzzer runtime, the Java Fast Infoset reference implementation, gSOAP).
 set -euo pipefail
 mode=${1:-test}
-packages=(g++ cmake make pkg-config libexpat1-dev libpcre2-dev zlib1g-dev)
+packages=(g++ cmake make pkg-config libexpat1-dev libpcre2-dev zlib1g-dev libcli11-dev)
 case "$mode" in
   build) ;;
   test)

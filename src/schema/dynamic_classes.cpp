@@ -1,6 +1,8 @@
 #include "qmxml/schema/dynamic_classes.h"
 
+#include <sstream>
 #include <typeinfo>
+#include <unordered_set>
 
 #include "mapping.h"
 #include "qmxml/collections/class_collection.h"
@@ -15,6 +17,7 @@
 #include "qmxml/schema/complex_type.h"
 #include "qmxml/schema/element_declaration.h"
 #include "qmxml/schema/schema_exception.h"
+#include "qmxml/schema/wildcard.h"
 
 namespace QmXmlLib10 {
 namespace Schema {
@@ -175,6 +178,24 @@ std::string LocalPart(const std::string& qname) {
     return colon == std::string::npos ? qname : qname.substr(colon + 1);
 }
 
+// The derivation methods on the way from `derived` up to `base` (extension,
+// restriction; lists and unions count as restriction), or Derivation_None
+// when `derived` is `base`.
+unsigned DerivationMethods(const CTypeDefinition* derived, const CTypeDefinition* base) {
+    unsigned methods = Derivation_None;
+    for (int guard = 0; derived != nullptr && derived != base && guard < 10000; ++guard) {
+        methods |= derived->derivationMethod == Derivation_Extension ? Derivation_Extension : Derivation_Restriction;
+        if (derived->baseType == derived) break;
+        derived = derived->baseType;
+    }
+    return methods;
+}
+
+// What a complex type prohibits of the types that replace it.
+unsigned ProhibitedBy(const CTypeDefinition* type) {
+    return type != nullptr && !type->IsSimple() ? static_cast<const CComplexType*>(type)->block : Derivation_None;
+}
+
 const CXmlAttribute* FindXsiType(const CXmlElement* element) {
     for (const CXmlAttribute* attribute : element->GetAttributes()) {
         if (attribute->GetLocalName() == "type" && attribute->GetNamespaceURI() == kXsiNamespace) return attribute;
@@ -308,6 +329,12 @@ bool CDynamicObject::HasSameClassAs(const CXmlGeneratedClass& other) const {
     return dynamic != nullptr && dynamic->m_description == m_description;
 }
 
+void CDynamicObject::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName,
+                               const CXmlSerializationContext& ctx, bool asChoiceMember) const {
+    const std::string typeName = isRoot && ctx.GetWriteTypeAttribute() ? GetTypeName() : std::string();
+    WriteObject(writer, isRoot, elementName, ctx, asChoiceMember, typeName.empty() ? nullptr : typeName.c_str());
+}
+
 std::string CDynamicObject::GetTargetNamespace() const {
     return m_isRoot ? m_rootNamespace : CXmlGeneratedClass::GetTargetNamespace();
 }
@@ -328,7 +355,8 @@ CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* curre
     // Element-only and empty content take no character data; the binding
     // would drop it unseen.
     const CComplexType* type = m_description->type;
-    if (parent != nullptr && type != nullptr && m_description->elementType == XmlElementType_Element &&
+    const bool ownElement = m_description->elementType == XmlElementType_Element;
+    if (parent != nullptr && type != nullptr && ownElement &&
         (type->contentType == CComplexType::ContentType::ElementOnly ||
          type->contentType == CComplexType::ContentType::Empty) &&
         !IsXmlWhitespace(parent->GetText())) {
@@ -340,6 +368,16 @@ CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* curre
             FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), cause);
     }
     CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
+    if (m_description->hasCheckedWildcards && parent != nullptr) {
+        try {
+            m_set->CheckWildcardContent(*this, ctx);
+        } catch (const CQmException& e) {
+            // Inlined classes report through their parent element's context.
+            if (!ownElement) throw;
+            throw CQmValidationException(
+                FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), e);
+        }
+    }
     if (m_set->m_index->mapped.runtime[m_description->index].mandatoryInlineChoice) {
         std::string selected;
         const auto& properties = m_description->properties;
@@ -400,16 +438,159 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
                                                      const CXmlSerializationContext& ctx) const {
     const CXmlElement* root = document.GetDocumentElement();
     if (root == nullptr) throw CQmException("Invalid or empty XML document");
-    CSmartPtr<CDynamicObject> object = CreateRootObject(root->GetNamespaceURI(), root->GetLocalName());
-    if (!object) {
-        const std::string name = root->GetNamespaceURI().empty()
-                                     ? root->GetLocalName()
-                                     : "{" + root->GetNamespaceURI() + "}" + root->GetLocalName();
-        throw CQmValidationException(
-            FormatString("No global element declaration for the root element [%s]", name.c_str()));
+    const std::string name = root->GetNamespaceURI().empty()
+                                 ? root->GetLocalName()
+                                 : "{" + root->GetNamespaceURI() + "}" + root->GetLocalName();
+    const auto& members = m_index->mapped.rootMembers;
+    const auto member = members.find({root->GetNamespaceURI(), root->GetLocalName()});
+    CSmartPtr<CXmlObjectBase> made;
+    if (member == members.end()) {
+        // An undeclared root may still name its type.
+        const CXmlAttribute* xsiType = FindXsiType(root);
+        const std::string local = xsiType ? LocalPart(xsiType->GetValue()) : std::string();
+        const auto& types = m_index->mapped.typeClasses;
+        for (auto it = types.begin(); xsiType != nullptr && it != types.end() && !made; ++it) {
+            const CTypeDefinition* type = it->first.first;
+            if (it->first.second == root->GetNamespaceURI() && !type->IsAnonymous() && type->name.local == local &&
+                (type->IsSimple() || !static_cast<const CComplexType*>(type)->abstract)) {
+                made = CreateMember(it->second, root->GetLocalName().c_str());
+                static_cast<CDynamicObject*>(made.Get())->m_retyped = true;  // written back with its xsi:type
+            }
+        }
+        if (!made) {
+            throw CQmValidationException(
+                FormatString("No global element declaration for the root element [%s]", name.c_str()));
+        }
+    } else {
+        // The class as a member's factory would pick it: xsi:type, abstract
+        // elements and types, blocked derivations.
+        made = CreateForElement(member->second, const_cast<CXmlElement*>(root));
     }
+    if (!made) {
+        throw CQmValidationException(FormatString(
+            "The root element [%s] is abstract, or its xsi:type names no type it may take", name.c_str()));
+    }
+    CSmartPtr<CDynamicObject> object(static_cast<CDynamicObject*>(made.Get()));
+    CXmlObjectAccess::SetElementName(object, root->GetLocalName().c_str());
+    object->m_rootNamespace = root->GetNamespaceURI();
+    object->m_isRoot = true;
     object->FromXmlElement(root, ctx);
+    if (m_index->mapped.usesIds) CheckIdentifiers(*object);
     return object;
+}
+
+void CDynamicClassSet::CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const {
+    const auto& properties = object.m_description->properties;
+    for (size_t i = 0; i < properties.size(); ++i) {
+        const CPropertyDescription& property = properties[i];
+        if (property.wildcard == nullptr || property.wildcard->processContents == CWildcard::ProcessContents::Skip)
+            continue;
+        const bool strict = property.wildcard->processContents == CWildcard::ProcessContents::Strict;
+        const QmVariant& value = object.m_values[i];
+        if (!value.IsValid() || value.IsNil()) continue;
+        if (property.kind == CPropertyDescription::Kind::Attributes) {
+            const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+            const auto* attributes = dynamic_cast<const CAttributeCol*>(collection.Get());
+            if (attributes == nullptr) continue;
+            for (const CAttribute* attribute : *attributes) {
+                const auto found =
+                    m_index->mapped.globalAttributes.find({attribute->GetNamespaceURI(), attribute->GetLocalName()});
+                if (found == m_index->mapped.globalAttributes.end()) {
+                    if (!strict) continue;
+                    throw CQmValidationException(
+                        FormatString("No global attribute declaration for the attribute [%s] of a strict wildcard",
+                                     attribute->GetLocalName().c_str()));
+                }
+                const CPropertyRuntime& runtime = found->second;
+                QmVariant converted;
+                converted.FromString(attribute->GetValue(), runtime.itemType, runtime.rule);
+                CPrimitiveRestrictions::CheckRestriction(attribute->GetLocalName(), converted, runtime.itemType,
+                                                         runtime.facets, attribute->GetValue(), runtime.rule);
+            }
+            continue;
+        }
+        std::vector<const CElement*> elements;
+        if (property.kind == CPropertyDescription::Kind::Element) {
+            const CSmartPtr<CXmlObjectBase> held = value.GetXmlObject();
+            if (const auto* element = dynamic_cast<const CElement*>(held.Get())) elements.push_back(element);
+        } else {
+            const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+            if (const auto* all = dynamic_cast<const CElementCol*>(collection.Get())) {
+                for (const CElement* element : *all) elements.push_back(element);
+            }
+        }
+        for (const CElement* element : elements) {
+            const CQName name{element->GetNamespaceURI(), element->GetLocalName()};
+            if (m_schemas->FindElement(name) == nullptr) {
+                if (!strict) continue;
+                throw CQmValidationException(
+                    FormatString("No global element declaration for the element [%s] of a strict wildcard",
+                                 element->GetLocalName().c_str()));
+            }
+            // Read as a document of its own, so that its declaration (and
+            // xsi:type) decide its class.
+            const std::string text = element->ToXml(false, false, EOLType_LF, ctx);
+            ReadBuffer(text.data(), text.size(), ctx);
+        }
+    }
+}
+
+void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
+    std::unordered_set<std::string> ids;
+    std::vector<std::string> references;
+    // The bound objects are walked with a stack of their own: documents nest
+    // deeper than a thread's stack would allow recursion to.
+    std::vector<const CDynamicObject*> pending{&root};
+    while (!pending.empty()) {
+        const CDynamicObject* object = pending.back();
+        pending.pop_back();
+        const auto& properties = object->m_description->properties;
+        const CClassRuntime& runtime = m_index->mapped.runtime[object->m_description->index];
+        for (size_t i = 0; i < properties.size(); ++i) {
+            const QmVariant& value = object->m_values[i];
+            if (!value.IsValid() || value.IsNil()) continue;
+            switch (properties[i].kind) {
+                case CPropertyDescription::Kind::Value: {
+                    const int kind = runtime.properties[i].idKind;
+                    if (kind == 0) break;
+                    const std::string text = value.ToString();
+                    if (kind == 1 && !ids.insert(text).second) {
+                        throw CQmValidationException(FormatString("Duplicate ID value [%s]", text.c_str()));
+                    }
+                    if (kind == 2) references.push_back(text);
+                    if (kind == 3) {
+                        std::istringstream items(text);
+                        for (std::string item; items >> item;) references.push_back(item);
+                    }
+                    break;
+                }
+                case CPropertyDescription::Kind::Object: {
+                    const CSmartPtr<CXmlObjectBase> member = value.GetXmlObject();
+                    if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(member.Get())) {
+                        pending.push_back(dynamic);
+                    }
+                    break;
+                }
+                case CPropertyDescription::Kind::Collection: {
+                    const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
+                    const auto* collection = dynamic_cast<const CXmlCollection*>(held.Get());
+                    if (collection == nullptr) break;
+                    for (auto* node = collection->GetFirstNode(); node; node = node->GetNext()) {
+                        if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(node->GetItem())) {
+                            pending.push_back(dynamic);
+                        }
+                    }
+                    break;
+                }
+                default: break;
+            }
+        }
+    }
+    for (const std::string& reference : references) {
+        if (ids.count(reference) == 0) {
+            throw CQmValidationException(FormatString("The IDREF value [%s] matches no ID", reference.c_str()));
+        }
+    }
 }
 
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadFile(const std::string& path,
@@ -457,10 +638,21 @@ CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateForElement(int classIndex, CXm
             }
             head = head->substitutionGroupHead;
         }
-        if (actual != nullptr && (declared->block & Derivation_Substitution) != 0) actual = nullptr;
+        if (actual != nullptr) {
+            // The head (or its type) may refuse substitution as such, or
+            // members whose types were derived in a way it blocks.
+            const CTypeDefinition* declaredType = declared->type ? declared->type : m_schemas->GetAnyType();
+            const CTypeDefinition* actualType = actual->type ? actual->type : m_schemas->GetAnyType();
+            const unsigned blocked = declared->block | ProhibitedBy(declaredType);
+            if ((blocked & Derivation_Substitution) != 0 ||
+                (blocked & DerivationMethods(actualType, declaredType)) != 0) {
+                actual = nullptr;
+            }
+        }
     }
     if (actual == nullptr || actual->abstract) return CSmartPtr<CXmlObjectBase>();
     const CTypeDefinition* type = actual->type ? actual->type : m_schemas->GetAnyType();
+    const CTypeDefinition* elementType = type;
     // xsi:type names a type derived from the element's.
     if (const CXmlAttribute* xsiType = FindXsiType(element)) {
         const std::string local = LocalPart(xsiType->GetValue());
@@ -475,6 +667,10 @@ CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateForElement(int classIndex, CXm
             }
         }
         if (named == nullptr) return CSmartPtr<CXmlObjectBase>();
+        // The element and its type may block the ways the named type was derived.
+        if (((actual->block | ProhibitedBy(elementType)) & DerivationMethods(named, elementType)) != 0) {
+            return CSmartPtr<CXmlObjectBase>();
+        }
         type = named;
     }
     if (!type->IsSimple() && static_cast<const CComplexType*>(type)->abstract) return CSmartPtr<CXmlObjectBase>();

@@ -1,5 +1,6 @@
 #include "schema/lexical_check.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "qmxml/core/exception.h"
@@ -246,6 +247,20 @@ bool IsPrimitiveLiteral(Primitive primitive, const std::string& s) {
     }
 }
 
+bool IsPrimitiveShape(Primitive primitive, const std::string& text) {
+    if (IsDateKind(primitive)) {
+        // The runtime's date parsers take every shape XML Schema does and no
+        // other (within four-digit years), but zones up to 23:59: only the
+        // zone is left, "+hh:mm" or "-hh:mm" at the end.
+        const std::size_t n = text.size();
+        if (n < 6 || (text[n - 6] != '+' && text[n - 6] != '-') || text[n - 3] != ':') return true;
+        const int hours = (text[n - 5] - '0') * 10 + (text[n - 4] - '0');
+        return hours < 14 || (hours == 14 && text[n - 2] == '0' && text[n - 1] == '0');
+    }
+    if (primitive == Primitive::Duration || primitive == Primitive::HexBinary) return true;
+    return IsPrimitiveLiteral(primitive, text);
+}
+
 bool ParseDateLiteral(Primitive primitive, const std::string& text, CDateTime& value) {
     if (!IsDateKind(primitive) || !Matches(text, DatePattern(primitive))) return false;
     bool representable = true;
@@ -266,12 +281,45 @@ bool IsDecimalLiteral(const std::string& s, bool allowPoint) {
     return digits > 0 && i == s.size();
 }
 
+std::string CanonicalDecimal(const std::string& s) {
+    std::size_t begin = !s.empty() && (s[0] == '-' || s[0] == '+') ? 1 : 0;
+    const bool negative = begin == 1 && s[0] == '-';
+    const std::size_t point = std::min(s.find('.', begin), s.size());
+    std::size_t end = s.size();
+    if (point < end) {
+        while (end > point + 1 && s[end - 1] == '0') --end;
+        if (end == point + 1) end = point;
+    }
+    while (begin < point && s[begin] == '0') ++begin;
+    std::string out;
+    if (begin == end) return "0";
+    if (negative) out += '-';
+    if (begin == point) out += '0';
+    out.append(s, begin, end - begin);
+    return out;
+}
+
 int CompareDecimals(const std::string& a, const std::string& b) {
-    // The runtime's decimals compare exactly; a leading '+' is all they lack.
-    auto value = [](const std::string& s) { return CDecimal(!s.empty() && s[0] == '+' ? s.substr(1) : s); };
-    const CDecimal x = value(a);
-    const CDecimal y = value(b);
-    return x < y ? -1 : (y < x ? 1 : 0);
+    return CompareCanonicalDecimals(CanonicalDecimal(a), CanonicalDecimal(b));
+}
+
+int CompareCanonicalDecimals(const std::string& x, const std::string& y) {
+    // By sign, then by the length of the integer part, then digit by digit
+    // (a missing fraction digit counts as zero, and the points line up).
+    const bool xn = x[0] == '-';
+    const bool yn = y[0] == '-';
+    if (xn != yn) return xn ? -1 : 1;
+    const std::size_t xs = xn ? 1 : 0;
+    const std::size_t xp = std::min(x.find('.'), x.size()) - xs;
+    const std::size_t yp = std::min(y.find('.'), y.size()) - xs;
+    int c = 0;
+    if (xp != yp) {
+        c = xp < yp ? -1 : 1;
+    } else {
+        const int r = x.compare(xs, std::string::npos, y, xs, std::string::npos);
+        c = r < 0 ? -1 : (r > 0 ? 1 : 0);
+    }
+    return xn ? -c : c;
 }
 
 }  // namespace Schema

@@ -8,6 +8,7 @@
 #include "qmxml/metadata/attribute_info.h"
 #include "qmxml/metadata/parent_element_info.h"
 #include "qmxml/schema/attribute_declaration.h"
+#include "qmxml/schema/schema_set.h"
 #include "qmxml/schema/attribute_use.h"
 #include "qmxml/schema/complex_type.h"
 #include "qmxml/schema/element_declaration.h"
@@ -137,6 +138,18 @@ public:
         for (const CElementDeclaration* element : m_set.GetElements()) {
             const int index = ClassForType(TypeOf(element), element->name.local, element->name.ns);
             m_out.roots[{element->name.ns, element->name.local}] = index;
+            m_out.rootMembers[{element->name.ns, element->name.local}] = static_cast<int>(m_out.substitutable.size());
+            m_out.substitutable.push_back(CSubstitutableMember{element, index});
+        }
+        for (const CAttributeDeclaration* attribute : m_set.GetAttributes()) {
+            const CSimpleType* type = attribute->type ? attribute->type : m_set.GetAnySimpleType();
+            CPropertyRuntime runtime;
+            runtime.itemType = BindingItemType(type);
+            runtime.rule = BindingWhitespaceRule(type);
+            runtime.facets = BindingFacets(type);
+            const bool fixed = attribute->valueConstraint.kind == CValueConstraint::Fixed;
+            runtime.facets.SetValueRule(MakeValueRule(type, fixed ? &attribute->valueConstraint : nullptr));
+            m_out.globalAttributes[{attribute->name.ns, attribute->name.local}] = std::move(runtime);
         }
         while (!m_pending.empty()) {
             const int index = m_pending.front();
@@ -381,7 +394,10 @@ private:
                 build.elements.push_back(
                     MakeInfo<CElementInfoUntpd>(groupType, mandatory, name.c_str(), ns.c_str(), propertyIndex, "##any", ""));
             }
-        } else if (type->IsSimple() && element->substitutionGroupMembers.empty()) {
+        } else if (type->IsSimple() && element->substitutionGroupMembers.empty() &&
+                   !(collection && element->nillable)) {
+            // (Repeating nillable values are objects of the type's class
+            // below: value collections have no nil items.)
             const auto* simple = static_cast<const CSimpleType*>(type);
             property.kind = collection ? CPropertyDescription::Kind::Collection : CPropertyDescription::Kind::Value;
             property.itemType = BindingItemType(simple);
@@ -390,6 +406,7 @@ private:
             const bool fixed = element->valueConstraint.kind == CValueConstraint::Fixed;
             runtime.facets.SetValueRule(MakeValueRule(simple, fixed ? &element->valueConstraint : nullptr));
             runtime.rule = BindingWhitespaceRule(simple);
+            if (!collection) runtime.idKind = IdKind(simple);
             if (collection) {
                 build.elements.push_back(MakeCollectionInfo(groupType, name.c_str(), ns.c_str(), propertyIndex));
             } else {
@@ -432,6 +449,22 @@ private:
         AddProperty(index, std::move(property), std::move(runtime));
     }
 
+    int IdKind(const CSimpleType* type) {
+        const CSimpleType* id = m_set.GetBuiltInType("ID");
+        const CSimpleType* idref = m_set.GetBuiltInType("IDREF");
+        int kind = 0;
+        if (id != nullptr && type->DerivesFrom(id)) {
+            kind = 1;
+        } else if (idref != nullptr && type->DerivesFrom(idref)) {
+            kind = 2;
+        } else if (type->variety == CSimpleType::Variety::List && type->itemType != nullptr && idref != nullptr &&
+                   type->itemType->DerivesFrom(idref)) {
+            kind = 3;
+        }
+        if (kind != 0) m_out.usesIds = true;
+        return kind;
+    }
+
     // Whether an element of this member may carry another class than its
     // declared type's: a substitution group, an abstract declaration or
     // type, or a type other types derive from (xsi:type).
@@ -459,6 +492,8 @@ private:
         CPropertyRuntime runtime;
         runtime.restriction = restriction.first;
         runtime.restrictionNamespace = restriction.second;
+        if (wildcard->processContents != CWildcard::ProcessContents::Skip)
+            m_out.classes[index]->hasCheckedWildcards = true;
         const int propertyIndex = static_cast<int>(m_out.classes[index]->properties.size());
         if (collection) {
             build.elements.push_back(MakeCollectionInfo(groupType, "AnyElement", "", propertyIndex));
@@ -522,6 +557,7 @@ private:
         runtime.facets.SetValueRule(
             MakeValueRule(type, constraint.kind == CValueConstraint::Fixed ? &constraint : nullptr));
         runtime.rule = BindingWhitespaceRule(type);
+        runtime.idKind = IdKind(type);
         const int propertyIndex = static_cast<int>(m_out.classes[index]->properties.size());
         const std::string defaultValue = constraint.kind != CValueConstraint::None ? constraint.value : std::string();
         build.attributes.push_back(new CAttributeInfoPrimitive(
@@ -541,6 +577,8 @@ private:
         CPropertyRuntime runtime;
         runtime.restriction = restriction.first;
         runtime.restrictionNamespace = restriction.second;
+        if (wildcard->processContents != CWildcard::ProcessContents::Skip)
+            m_out.classes[index]->hasCheckedWildcards = true;
         const int propertyIndex = static_cast<int>(m_out.classes[index]->properties.size());
         build.attributes.push_back(new CAttributeInfoAny("AnyAttribute", "", propertyIndex, true,
                                                          restriction.first.c_str(), restriction.second.c_str(), ""));

@@ -25,6 +25,10 @@ struct CPropertyRuntime {
     std::string restriction;        // wildcards: the namespace restriction
     std::string restrictionNamespace;
     XmlElementType itemElementType = XmlElementType_Element;  // class collections
+    ItemType itemType = ItemType_None;                         // global attributes
+    // Values of ID types must be unique in a document and IDREFs must name
+    // one: 1 ID, 2 IDREF, 3 a list of IDREFs.
+    int idKind = 0;
 };
 
 struct CClassRuntime {
@@ -46,9 +50,16 @@ struct CMappedSet {
     std::vector<CClassRuntime> runtime;  // one per class
     std::vector<CSubstitutableMember> substitutable;
     std::map<std::pair<std::string, std::string>, int> roots;  // (namespace, local name) -> class
+    // (namespace, local name) -> the global element as a substitutable member,
+    // so that a root element's xsi:type and abstractness are settled as a member's.
+    std::map<std::pair<std::string, std::string>, int> rootMembers;
     // (type, element namespace) -> class
     std::map<std::pair<const CTypeDefinition*, std::string>, int> typeClasses;
+    // Global attribute declarations: how a value an attribute wildcard takes
+    // is checked when the wildcard's processContents asks for it.
+    std::map<std::pair<std::string, std::string>, CPropertyRuntime> globalAttributes;
     std::vector<const CTypeDefinition*> classTypes;  // per class: its type, null for groups
+    bool usesIds = false;  // some member holds ID or IDREF values
 };
 
 // Maps every global element and named complex type of the set, and

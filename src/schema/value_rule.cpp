@@ -1,5 +1,6 @@
 #include "schema/value_rule.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -29,8 +30,9 @@ bool IsWhite(char c) { return CWhitespaceUtils::IsWhiteSpace(c); }
 // One value of an atomic type, in the value space of its primitive.
 struct Value {
     Primitive primitive = Primitive::AnySimple;
-    std::string text;  // string-like types: the normalized text; binaries: the octets
-    CDecimal decimal;
+    // String-like types: the normalized text; decimals: the canonical form;
+    // binaries: the octets.
+    std::string text;
     double number = 0;
     bool boolean = false;
     CDateTime date;
@@ -53,8 +55,10 @@ Order FromCompare(CDateTime::DTCompareResult r) {
 Order Compare(const Value& a, const Value& b) {
     if (a.primitive != b.primitive) return Order::Unordered;
     switch (a.primitive) {
-        case Primitive::Decimal:
-            return a.decimal < b.decimal ? Order::Less : (b.decimal < a.decimal ? Order::Greater : Order::Equal);
+        case Primitive::Decimal: {
+            const int c = CompareCanonicalDecimals(a.text, b.text);
+            return c < 0 ? Order::Less : (c > 0 ? Order::Greater : Order::Equal);
+        }
         case Primitive::Float:
         case Primitive::Double:
             if (std::isnan(a.number) || std::isnan(b.number))
@@ -102,7 +106,8 @@ bool ParseValue(Primitive p, const std::string& text, Value& v) {
     try {
         switch (p) {
             case Primitive::Decimal:
-                v.decimal = CDecimal(!text.empty() && text[0] == '+' ? text.substr(1) : text);
+                // Compared by canonical text: exact, and no heap digits per value.
+                v.text = CanonicalDecimal(text);
                 return true;
             case Primitive::Float: v.number = C::r4FromString(text, kAsIs); return true;
             case Primitive::Double: v.number = C::r8FromString(text, kAsIs); return true;
@@ -135,21 +140,7 @@ bool ParseValue(Primitive p, const std::string& text, Value& v) {
 bool ValueFromVariant(Primitive p, const QmVariant& var, Value& v) {
     v.primitive = p;
     const ItemType held = var.GetTypeAsEnum();
-    if (p == Primitive::Decimal) {
-        switch (held) {
-            case ItemType_decimal: v.decimal = var.GetDecimal(); return true;
-            case ItemType_integer: v.decimal = CDecimal(var.GetInteger()); return true;
-            case ItemType_i1: v.decimal = CDecimal(static_cast<int>(static_cast<signed char>(var.GetI1()))); return true;
-            case ItemType_i2: v.decimal = CDecimal(static_cast<int>(var.GetI2())); return true;
-            case ItemType_i4: v.decimal = CDecimal(static_cast<int>(var.GetI4())); return true;
-            case ItemType_i8: v.decimal = CDecimal(static_cast<long long>(var.GetI8())); return true;
-            case ItemType_ui1: v.decimal = CDecimal(static_cast<unsigned>(var.GetUI1())); return true;
-            case ItemType_ui2: v.decimal = CDecimal(static_cast<unsigned>(var.GetUI2())); return true;
-            case ItemType_ui4: v.decimal = CDecimal(static_cast<unsigned>(var.GetUI4())); return true;
-            case ItemType_ui8: v.decimal = CDecimal(static_cast<unsigned long long>(var.GetUI8())); return true;
-            default: return false;
-        }
-    }
+    if (p == Primitive::Decimal) return false;  // the text is cheaper than the variant's digits
     switch (held) {
         case ItemType_r4: if (p != Primitive::Float) return false; v.number = var.GetR4(); return true;
         case ItemType_r8: if (p != Primitive::Double) return false; v.number = var.GetR8(); return true;
@@ -176,16 +167,29 @@ std::size_t CodePoints(const std::string& s) {
     return n;
 }
 
-// totalDigits and fractionDigits of a decimal value: leading zeros of the
-// integer part and trailing zeros of the fraction do not count.
-void CountDigits(const CDecimal& d, unsigned long long& total, unsigned long long& fraction) {
-    const std::string s = d.ToString();  // canonical: no trailing fraction zeros, "0" for zero
-    const std::size_t start = !s.empty() && s[0] == '-' ? 1 : 0;
-    const std::size_t point = s.find('.', start);
-    const std::size_t integerEnd = point == std::string::npos ? s.size() : point;
-    const std::size_t integerDigits = s.compare(start, integerEnd - start, "0") == 0 ? 0 : integerEnd - start;
-    fraction = point == std::string::npos ? 0 : s.size() - point - 1;
-    total = integerDigits + fraction;
+// totalDigits and fractionDigits of a valid decimal literal, which are those
+// of its value: the digits of its canonical form, where leading zeros of the
+// integer part and trailing zeros of the fraction are gone ("001.2300" has 3
+// and 2; "0.05" has 2 and 2).
+void CountDigits(const std::string& literal, unsigned long long& total, unsigned long long& fraction) {
+    const std::string s = CanonicalDecimal(literal);
+    std::size_t begin = s[0] == '-' ? 1 : 0;
+    const std::size_t point = std::min(s.find('.'), s.size());
+    if (point - begin == 1 && s[begin] == '0') ++begin;  // "0.05": the zero before the point
+    fraction = point < s.size() ? s.size() - point - 1 : 0;
+    total = (point - begin) + fraction;
+}
+
+// The value of a valid integer literal when it fits in 63 bits.
+bool SmallInteger(const std::string& s, std::int64_t& value) {
+    std::size_t i = !s.empty() && (s[0] == '-' || s[0] == '+') ? 1 : 0;
+    const bool negative = i == 1 && s[0] == '-';
+    while (i + 1 < s.size() && s[i] == '0') ++i;
+    if (s.size() - i > 18) return false;
+    std::int64_t v = 0;
+    for (; i < s.size(); ++i) v = v * 10 + (s[i] - '0');
+    value = negative ? -v : v;
+    return true;
 }
 
 bool IsNormalized(const std::string& s, WhiteSpace ws) {
@@ -221,17 +225,17 @@ bool DerivesFromBuiltIn(const CSimpleType* type, const char* local) {
     return false;
 }
 
-// The range of a native integer item type, as decimals; false for others.
-bool NativeRange(ItemType type, CDecimal& lo, CDecimal& hi) {
+// The range of a native integer item type, as canonical decimals; false for others.
+bool NativeRange(ItemType type, const char*& lo, const char*& hi) {
     switch (type) {
-        case ItemType_i1: lo = CDecimal(-128); hi = CDecimal(127); return true;
-        case ItemType_i2: lo = CDecimal(-32768); hi = CDecimal(32767); return true;
-        case ItemType_i4: lo = CDecimal(static_cast<long long>(INT32_MIN)); hi = CDecimal(INT32_MAX); return true;
-        case ItemType_i8: lo = CDecimal(static_cast<long long>(INT64_MIN)); hi = CDecimal(static_cast<long long>(INT64_MAX)); return true;
-        case ItemType_ui1: lo = CDecimal(0); hi = CDecimal(255); return true;
-        case ItemType_ui2: lo = CDecimal(0); hi = CDecimal(65535); return true;
-        case ItemType_ui4: lo = CDecimal(0); hi = CDecimal(static_cast<unsigned long long>(UINT32_MAX)); return true;
-        case ItemType_ui8: lo = CDecimal(0); hi = CDecimal(static_cast<unsigned long long>(UINT64_MAX)); return true;
+        case ItemType_i1: lo = "-128"; hi = "127"; return true;
+        case ItemType_i2: lo = "-32768"; hi = "32767"; return true;
+        case ItemType_i4: lo = "-2147483648"; hi = "2147483647"; return true;
+        case ItemType_i8: lo = "-9223372036854775808"; hi = "9223372036854775807"; return true;
+        case ItemType_ui1: lo = "0"; hi = "255"; return true;
+        case ItemType_ui2: lo = "0"; hi = "65535"; return true;
+        case ItemType_ui4: lo = "0"; hi = "4294967295"; return true;
+        case ItemType_ui8: lo = "0"; hi = "18446744073709551615"; return true;
         default: return false;
     }
 }
@@ -281,6 +285,10 @@ struct CSchemaValueRule::Impl {
         // converted to that type meets those bounds already.
         ItemType runtimeType = ItemType_string;
         bool implied[4] = {false, false, false, false};
+        // Integer types whose bounds fit in 63 bits compare as native
+        // integers, without a decimal per value: the bounds as inclusive ones.
+        bool smallBounds = false;
+        std::int64_t smallMin = 0, smallMax = 0;
         bool needsValue = false;        // for a value that comes as text only
         bool needsValueNative = false;  // for a value the runtime converted
         // Lists and unions.
@@ -369,6 +377,7 @@ int CSchemaValueRule::Impl::Compile(const CSimpleType* type, int depth,
 void CSchemaValueRule::Impl::CompileAtomic(const CSimpleType* type, Node& n) const {
     const CFacets& f = type->facets;
     n.primitive = PrimitiveOf(type);
+    n.runtimeType = type->runtimeType;
     n.integerForm = n.primitive == Primitive::Decimal && DerivesFromBuiltIn(type, "integer");
     n.ncname = DerivesFromBuiltIn(type, "NCName");
     n.characterLengths = n.primitive == Primitive::String || n.primitive == Primitive::AnyURI;
@@ -395,22 +404,38 @@ void CSchemaValueRule::Impl::CompileAtomic(const CSimpleType* type, Node& n) con
         if (f.fractionDigits && !(n.integerForm && f.fractionDigits->value == 0))
             n.fractionDigits = f.fractionDigits->value;
         // Bounds the native type the runtime holds the value in already
-        // enforces (int's own range) cost a decimal per value for nothing.
-        CDecimal lo;
-        CDecimal hi;
-        n.runtimeType = type->runtimeType;
+        // enforces (int's own range) cost a comparison per value for nothing.
+        const char* lo = nullptr;
+        const char* hi = nullptr;
         if (NativeRange(type->runtimeType, lo, hi)) {
-            n.implied[0] = n.minInclusive && n.minInclusive->decimal <= lo;
-            n.implied[1] = n.maxInclusive && n.maxInclusive->decimal >= hi;
-            n.implied[2] = n.minExclusive && n.minExclusive->decimal < lo;
-            n.implied[3] = n.maxExclusive && n.maxExclusive->decimal > hi;
+            auto cmp = [](const std::optional<Value>& b, const char* limit) { return CompareCanonicalDecimals(b->text, limit); };
+            n.implied[0] = n.minInclusive && cmp(n.minInclusive, lo) <= 0;
+            n.implied[1] = n.maxInclusive && cmp(n.maxInclusive, hi) >= 0;
+            n.implied[2] = n.minExclusive && cmp(n.minExclusive, lo) < 0;
+            n.implied[3] = n.maxExclusive && cmp(n.maxExclusive, hi) > 0;
             // The runtime reads "-1" into an unsigned type as its bit pattern.
-            n.rejectNegative = lo == CDecimal(0);
+            n.rejectNegative = std::string(lo) == "0";
         }
     }
     const bool bounds[4] = {n.minInclusive.has_value(), n.maxInclusive.has_value(), n.minExclusive.has_value(),
                             n.maxExclusive.has_value()};
-    const bool other = n.totalDigits || n.fractionDigits || (n.octetLengths && (n.length || n.minLength || n.maxLength));
+    const bool other = n.octetLengths && (n.length || n.minLength || n.maxLength);
+    if (n.integerForm) {
+        // Integer bounds of up to 18 digits; a wider one (or, against the
+        // loader's checks, one with a fraction) keeps the general path.
+        std::int64_t values[4] = {INT64_MIN, INT64_MAX, 0, 0};
+        const std::optional<Value>* all[4] = {&n.minInclusive, &n.maxInclusive, &n.minExclusive, &n.maxExclusive};
+        bool fits = true;
+        for (int i = 0; i < 4 && fits; ++i)
+            if (*all[i]) fits = (*all[i])->text.find('.') == std::string::npos && SmallInteger((*all[i])->text, values[i]);
+        if (fits) {
+            n.smallBounds = true;
+            n.smallMin = n.minInclusive ? values[0] : INT64_MIN;
+            n.smallMax = n.maxInclusive ? values[1] : INT64_MAX;
+            if (n.minExclusive) n.smallMin = std::max(n.smallMin, values[2] + 1);
+            if (n.maxExclusive) n.smallMax = std::min(n.smallMax, values[3] - 1);
+        }
+    }
     n.needsValue = other;
     n.needsValueNative = other;
     for (int i = 0; i < 4; ++i) {
@@ -428,7 +453,11 @@ bool CSchemaValueRule::Impl::InEnumeration(const Node& n, const std::string& tex
 
 bool CSchemaValueRule::Impl::EvaluateAtomic(const Node& n, const std::string& text, const QmVariant* variant,
                                             TypedValue* out) const {
-    if (!IsPrimitiveLiteral(n.primitive, text)) return false;
+    // A value the runtime converted to the node's own item type meets that
+    // type's native range, and its fields were checked by the conversion;
+    // one checked from text alone must show both.
+    const bool converted = variant != nullptr && variant->GetTypeAsEnum() == n.runtimeType;
+    if (!(converted ? IsPrimitiveShape(n.primitive, text) : IsPrimitiveLiteral(n.primitive, text))) return false;
     if (n.integerForm && !IsDecimalLiteral(text, false)) return false;
     if (n.rejectNegative && text[0] == '-' && text.find_first_not_of("0", 1) != std::string::npos) return false;
     if (n.ncname && !IsNCNameLiteral(text)) return false;
@@ -439,21 +468,21 @@ bool CSchemaValueRule::Impl::EvaluateAtomic(const Node& n, const std::string& te
     if (n.characterLengths && (n.length || n.minLength || n.maxLength) && !lengthHolds(CodePoints(text)))
         return false;
     if (n.textEnumeration && !n.enumeration.empty() && !n.enumerationTexts.count(text)) return false;
-    // A value the runtime converted to the node's own item type meets that
-    // type's native range; one checked from text alone must show it.
-    const bool converted = variant != nullptr && variant->GetTypeAsEnum() == n.runtimeType;
+    if (n.totalDigits || n.fractionDigits) {
+        unsigned long long total = 0;
+        unsigned long long fraction = 0;
+        CountDigits(text, total, fraction);
+        if ((n.totalDigits && total > *n.totalDigits) || (n.fractionDigits && fraction > *n.fractionDigits))
+            return false;
+    }
     if (!(converted ? n.needsValueNative : n.needsValue) && out == nullptr) return true;
+    std::int64_t small = 0;
+    if (n.smallBounds && n.enumeration.empty() && out == nullptr && SmallInteger(text, small))
+        return small >= n.smallMin && small <= n.smallMax;
     Value v;
     if (!(variant != nullptr && ValueFromVariant(n.primitive, *variant, v)) && !ParseValue(n.primitive, text, v))
         return false;
     if (n.octetLengths && !lengthHolds(v.text.size())) return false;
-    if (n.totalDigits || n.fractionDigits) {
-        unsigned long long total = 0;
-        unsigned long long fraction = 0;
-        CountDigits(v.decimal, total, fraction);
-        if ((n.totalDigits && total > *n.totalDigits) || (n.fractionDigits && fraction > *n.fractionDigits))
-            return false;
-    }
     // An indeterminate comparison fails the bound, as in the runtime's facets.
     if (n.minInclusive && !(converted && n.implied[0])) {
         const Order o = Compare(v, *n.minInclusive);
@@ -565,12 +594,15 @@ CSchemaValueRule::~CSchemaValueRule() = default;
 void CSchemaValueRule::Check(const std::string& memberName, const QmVariant& value, ItemType,
                              const std::string* text) const {
     if (value.IsNil()) return;
+    const Impl& impl = *m_impl;
     std::string canonical;
     if (text == nullptr) {
+        // Checked as the document written from it will read back.
         canonical = CanonicalText(value);
+        if (!IsNormalized(canonical, impl.nodes[0].whiteSpace))
+            canonical = NormalizeWhiteSpace(canonical, impl.nodes[0].whiteSpace);
         text = &canonical;
     }
-    const Impl& impl = *m_impl;
     TypedValue actual;
     bool ok = false;
     try {

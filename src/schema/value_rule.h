@@ -47,7 +47,8 @@ std::shared_ptr<const CValueRule> MakeValueRule(const CSimpleType* type, const C
 //   item type, unions by their first member type that accepts the value; and
 //   the fixed value, compared in the value space.
 // QName and NOTATION values compare by their text: the rule has no namespace
-// context to resolve prefixes with.
+// context to resolve prefixes with. Types nested more than 32 levels deep
+// (unions of unions ...) accept no value: the rule never follows them further.
 //
 // Immutable after construction (bounds and enumeration values are parsed
 // there, patterns are compiled by the runtime's process-wide cache), so one
@@ -62,7 +63,8 @@ public:
     CSchemaValueRule& operator=(const CSchemaValueRule&) = delete;
 
     // Throws CQmValidationException "Invalid Value for %s [%s]" (member name,
-    // text, or the value's canonical form when there is no text), or
+    // text, or when there is none the value's canonical form after the
+    // type's whitespace rule, as a document written from it reads back), or
     // "Invalid Value for %s [%s], the fixed value is [%s]"; a pattern the
     // engine cannot run gives its message, a line break, then the first.
     void Check(const std::string& memberName, const QmVariant& value, ItemType type,

@@ -145,6 +145,13 @@ const Case kCases[] = {
      "</xs:sequence></xs:complexType></xs:element>",
      "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><a xsi:nil='true'/></r>",
      "<r xmlns=\"urn:t\"><a xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/></r>"},
+    {"NilItemsOfARepeatingValue",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='d' type='xs:dateTime' "
+     "nillable='true' maxOccurs='3'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><d xsi:nil='true'/>"
+     "<d>2020-01-01T10:00:00Z</d></r>",
+     "<r xmlns=\"urn:t\"><d xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>"
+     "<d>2020-01-01T10:00:00Z</d></r>"},
     {"UnqualifiedLocalElements",
      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int' form='unqualified'/>"
      "</xs:sequence></xs:complexType></xs:element>",
@@ -162,6 +169,43 @@ const Case kCases[] = {
      "<xs:element name='r'><xs:complexType mixed='true'><xs:sequence><xs:element name='a' type='xs:int'/>"
      "</xs:sequence></xs:complexType></xs:element>",
      "<r xmlns='urn:t'>note <a>1</a></r>", "<r xmlns=\"urn:t\"><a>1</a>note </r>"},
+    {"BlockedDerivationInXsiType",
+     "<xs:complexType name='ht'><xs:sequence><xs:element name='a' type='xs:int'/></xs:sequence></xs:complexType>"
+     "<xs:complexType name='mt'><xs:complexContent><xs:extension base='ht'><xs:sequence>"
+     "<xs:element name='b' type='xs:int'/></xs:sequence></xs:extension></xs:complexContent></xs:complexType>"
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='v' type='ht' block='extension'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>"
+     "<v xsi:type='mt'><a>1</a><b>2</b></v></r>",
+     "!Failed to process the element [r]\n\nFailed to find a suitable substitution element for [v]"},
+    {"AbstractRoot", "<xs:element name='r' abstract='true' type='xs:int'/>", "<r xmlns='urn:t'>1</r>",
+     "!The root element [{urn:t}r] is abstract, or its xsi:type names no type it may take"},
+    {"StrictWildcardNeedsADeclaration",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:any namespace='##any'/></xs:sequence>"
+     "</xs:complexType></xs:element><xs:element name='k' type='xs:int'/>",
+     "<r xmlns='urn:t'><q/></r>",
+     "!Failed to process the element [r]\n\nNo global element declaration for the element [q] of a strict wildcard"},
+    {"LaxWildcardChecksWhatIsDeclared",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:any namespace='##any' processContents='lax' "
+     "maxOccurs='unbounded'/></xs:sequence></xs:complexType></xs:element><xs:element name='k' type='xs:int'/>",
+     "<r xmlns='urn:t'><q>x</q><k>x</k></r>",
+     "!Failed to process the element [r]\n\nFailed to process the element [k]\n\n"
+     "The value [x] can not be converted to a i4"},
+    {"StrictAttributeWildcardChecksTheValue",
+     "<xs:element name='r'><xs:complexType><xs:anyAttribute namespace='##targetNamespace'/></xs:complexType>"
+     "</xs:element><xs:attribute name='n' type='xs:positiveInteger'/>",
+     "<r xmlns='urn:t' xmlns:t='urn:t' t:n='0'/>",
+     "!Failed to process the element [r]\n\nInvalid Value for n [0]"},
+    {"DuplicateId",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='p' maxOccurs='unbounded'>"
+     "<xs:complexType><xs:attribute name='id' type='xs:ID'/><xs:attribute name='to' type='xs:IDREFS'/>"
+     "</xs:complexType></xs:element></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><p id='a'/><p id='a'/></r>", "!Duplicate ID value [a]"},
+    {"IdrefWithoutId",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='p' maxOccurs='unbounded'>"
+     "<xs:complexType><xs:attribute name='id' type='xs:ID'/><xs:attribute name='to' type='xs:IDREFS'/>"
+     "</xs:complexType></xs:element></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><p id='a' to='a b'/><p id='b' to='c'/></r>", "!The IDREF value [c] matches no ID"},
     {"UnknownRoot", "<xs:element name='r' type='xs:int'/>", "<q xmlns='urn:t'>1</q>",
      "!No global element declaration for the root element [{urn:t}q]"},
 };

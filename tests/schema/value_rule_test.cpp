@@ -85,6 +85,12 @@ struct FacetCase {
 const FacetCase kFacetCases[] = {
     {"DecimalMinInclusive", "xs:decimal", "<xs:minInclusive value='1.5'/>", "1.50", "1.49"},
     {"DecimalMaxExclusive", "xs:decimal", "<xs:maxExclusive value='10'/>", "9.999", "10.0"},
+    {"DecimalNegativeMinInclusive", "xs:decimal", "<xs:minInclusive value='-1.5'/>", "-01.50", "-1.51"},
+    {"DecimalFractionBelowOne", "xs:decimal", "<xs:maxInclusive value='0.05'/>", "0.0500", "0.051"},
+    {"IntegerBoundBeyond18Digits", "xs:integer", "<xs:maxExclusive value='100000000000000000000'/>",
+     "99999999999999999999", "100000000000000000000"},
+    {"IntegerBoundOf18Digits", "xs:integer", "<xs:minInclusive value='-999999999999999999'/>",
+     "-999999999999999999", "-1000000000000000000"},
     {"IntMaxInclusive", "xs:int", "<xs:maxInclusive value='100'/>", "100", "101"},
     {"IntMinExclusive", "xs:int", "<xs:minExclusive value='-5'/>", "-4", "-5"},
     {"FloatMinExclusive", "xs:float", "<xs:minExclusive value='0'/>", "1E-3", "-0"},
@@ -216,6 +222,7 @@ struct EnumerationCase {
 
 const EnumerationCase kEnumerationCases[] = {
     {"Decimal", "xs:decimal", {"1", "2.50"}, {"1.0", "+1", "01.000", "2.5"}, {"2.51", "-1"}},
+    {"DecimalZero", "xs:decimal", {"0"}, {"-0.00", "+0", ".0", "000"}, {"0.001", "-0.001"}},
     {"Float", "xs:float", {"1", "NaN"}, {"1e0", "1.0E0", "NaN", "100E-2"}, {"2", "INF"}},
     {"DateTimeWithZones", "xs:dateTime", {"2020-01-01T12:00:00Z"}, {"2020-01-01T13:00:00+01:00", "2020-01-01T07:00:00-05:00"},
      {"2020-01-01T12:00:00", "2020-01-01T12:00:00+01:00"}},
@@ -355,6 +362,23 @@ TEST(ValueRuleUnions, EachMemberNormalizesTheTextItsOwnWay) {
     EXPECT_EQ(ReadVerdict(l.type, " 007 ", &fixed), "");  // the int 7
 }
 
+// Unions of unions, n levels around xs:int; the last one is T.
+std::string NestedUnions(int levels) {
+    std::string body = "<xs:simpleType name='U0'><xs:union memberTypes='xs:int'/></xs:simpleType>";
+    for (int i = 1; i < levels; ++i)
+        body += "<xs:simpleType name='" + (i + 1 == levels ? std::string("T") : "U" + std::to_string(i)) +
+                "'><xs:union memberTypes='U" + std::to_string(i - 1) + "'/></xs:simpleType>";
+    return body;
+}
+
+TEST(ValueRuleUnions, NestingIsFollowedToThirtyTwoLevelsAndNoFurther) {
+    const Loaded shallow = LoadType(NestedUnions(32));
+    EXPECT_EQ(ReadVerdict(shallow.type, "5"), "");
+    EXPECT_EQ(ReadVerdict(shallow.type, "x"), Refused("x"));
+    const Loaded deep = LoadType(NestedUnions(200));
+    EXPECT_EQ(ReadVerdict(deep.type, "5"), Refused("5"));
+}
+
 // ---------------------------------------------------------------------------
 // Fixed values.
 
@@ -424,6 +448,13 @@ TEST(ValueRuleSetValues, CheckTheCanonicalFormAndPrintIt) {
     EXPECT_EQ(SetVerdict(chars.type, v), "");
     v.SetString("\xC3\xA4\xC3\xB6x");
     EXPECT_EQ(SetVerdict(chars.type, v), Refused("\xC3\xA4\xC3\xB6x"));
+
+    // Whitespace as the document written from the value will read back.
+    const Loaded token = LoadType(Restriction("xs:token", "<xs:enumeration value='a b'/>"));
+    v.SetString(" a \t b ");
+    EXPECT_EQ(SetVerdict(token.type, v), "");
+    v.SetString("a\tc");
+    EXPECT_EQ(SetVerdict(token.type, v), Refused("a c"));
 
     // A zone the runtime holds but XML Schema does not allow.
     auto set = CSchemaSet::LoadBuffer(Xsd(""));

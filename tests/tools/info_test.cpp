@@ -3,16 +3,15 @@
 
 #include <qmxml/qmxml.h>
 
-#include <stdio.h>
-#include <sys/wait.h>
-
-#include <array>
 #include <string>
 
 #include "temp_files.h"
+#include "tools/tool_run.h"
 
 using namespace QmXmlLib10;
+using qmxml_test::RunTool;
 using qmxml_test::TempDir;
+using qmxml_test::ToolRun;
 
 namespace {
 
@@ -21,25 +20,6 @@ std::string Document() {
     std::string xml = "<o:a xmlns:o='urn:o'>";
     for (int i = 0; i < 20; ++i) xml += "<b k='v'>text</b>";
     return xml + "<b/></o:a>";
-}
-
-struct ToolRun {
-    int status;
-    std::string out;
-};
-
-// Runs the tool with standard error folded into the output.
-ToolRun RunTool(const std::string& arguments) {
-    const std::string command = std::string("'") + QMXML_TOOL + "' " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) return {-1, "popen failed"};
-    ToolRun run{0, {}};
-    std::array<char, 4096> buffer;
-    std::size_t got;
-    while ((got = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) run.out.append(buffer.data(), got);
-    const int status = pclose(pipe);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
 }
 
 std::string AsString(const CBinaryData& data) {

@@ -160,9 +160,11 @@ protected:
                              bool isRoot) override;
     void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const override;
 
-private:
+    // Writes the object's element (or inlined content), with xsi:type="xsiType" when not null.
     void WriteObject(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
                      bool asChoiceMember, const char* xsiType) const;
+
+private:
     void ReadSimpleContent(const CXmlElement* element);
     void WriteSimpleContent(CXmlWriter* writer) const;
 

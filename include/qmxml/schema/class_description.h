@@ -77,6 +77,8 @@ public:
     // Classes whose type derives from this one (by extension or restriction),
     // which xsi:type may name in its place; nearest first.
     std::vector<int> derivedClasses;
+    // Some wildcard member processes its content (strict or lax).
+    bool hasCheckedWildcards = false;
 
     // The runtime metadata, owned by the description (null-terminated arrays).
     QmXmlLib10Data::CParentElementInfo* classInfo = nullptr;

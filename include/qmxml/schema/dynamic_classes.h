@@ -76,6 +76,9 @@ public:
 protected:
     CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
                              bool isRoot) override;
+    // A root read through xsi:type writes it back (members' xsi:type is their info's business).
+    void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
+                   bool asChoiceMember) const override;
 
 private:
     friend class CDynamicClassSet;
@@ -132,6 +135,11 @@ private:
     friend class CDynamicObject;
     CDynamicClassSet() = default;
     CSmartPtr<CDynamicObject> ReadRoot(CXmlDocument& document, const CXmlSerializationContext& ctx) const;
+    // What the wildcards of a read object took, checked as their
+    // processContents asks (strict: declared and valid; lax: valid when declared).
+    void CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const;
+    // IDs unique and every IDREF naming one, across the document read.
+    void CheckIdentifiers(const CDynamicObject& root) const;
 
     std::shared_ptr<const CSchemaSet> m_schemas;
     std::vector<std::unique_ptr<CClassDescription>> m_classes;
