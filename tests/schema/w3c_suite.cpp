@@ -134,7 +134,7 @@ std::string CauseOf(const std::string& message) {
     for (; i < message.size(); ++i) {
         const char c = message[i];
         if (c == '[') {
-            if (depth++ == 0) out += "[]";
+            if (depth++ == 0) out += "[..]";
             continue;
         }
         if (c == ']' && depth > 0) {

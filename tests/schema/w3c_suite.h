@@ -36,8 +36,8 @@ std::vector<TestCase> ReadSuite(const std::string& root);
 // innermost message of the failure.
 std::string LoadSchema(const TestCase& test);
 
-// A failure message with bracketed values and paths removed, so that
-// messages of one cause compare equal.
+// A failure message with its location prefix dropped and every bracketed
+// value replaced by "[..]", so that messages of one cause compare equal.
 std::string CauseOf(const std::string& message);
 
 }  // namespace qmxml_w3c
