@@ -522,7 +522,15 @@ void CDynamicClassSet::CheckWildcardContent(const CDynamicObject& object, const 
         for (const CElement* element : elements) {
             const CQName name{element->GetNamespaceURI(), element->GetLocalName()};
             if (m_schemas->FindElement(name) == nullptr) {
-                if (!strict) continue;
+                // An element with xsi:type is assessed by its type, declared or not.
+                bool typed = false;
+                if (const CAttributeCol* attributes = element->FindAttributes()) {
+                    for (const CAttribute* attribute : *attributes) {
+                        typed = typed || (attribute->GetLocalName() == "type" &&
+                                          attribute->GetNamespaceURI() == kXsiNamespace);
+                    }
+                }
+                if (!strict || typed) continue;
                 throw CQmValidationException(
                     FormatString("No global element declaration for the element [%s] of a strict wildcard",
                                  element->GetLocalName().c_str()));

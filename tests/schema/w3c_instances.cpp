@@ -92,6 +92,17 @@ GroupSchema& GroupCache::Schema(const TestCase& test) {
     std::string key = test.set + "\n" + test.group;
     if (!test.schemaDocuments.empty()) {
         sources.push_back(CSchemaSource::File(test.schemaDocuments[0]));
+        // Documents for other namespaces the instance names by its hints
+        // join the group's first, as a processor that follows hints would
+        // load them (the group's other documents are often only reachable
+        // that way).
+        if (test.kind == TestCase::Kind::Instance) {
+            for (const auto& hint : SchemaHints(test.instanceDocument)) {
+                const bool known = std::filesystem::path(test.schemaDocuments[0]).lexically_normal() ==
+                                   std::filesystem::path(hint.second).lexically_normal();
+                if (!known && std::filesystem::exists(hint.second)) sources.push_back(CSchemaSource::File(hint.second));
+            }
+        }
     } else if (test.kind == TestCase::Kind::Instance) {
         for (const auto& hint : SchemaHints(test.instanceDocument)) sources.push_back(CSchemaSource::File(hint.second));
     }
