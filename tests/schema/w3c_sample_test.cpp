@@ -31,7 +31,7 @@ constexpr int kSampleValid = 704;
 constexpr int kSampleInvalid = 461;
 constexpr int kSampleAccepted = 686;
 constexpr int kSampleRoundTripped = 669;
-constexpr int kSampleRejected = 426;
+constexpr int kSampleRejected = 424;
 
 class W3CSchemaSample : public ::testing::TestWithParam<Sample> {};
 
