@@ -302,11 +302,13 @@ void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element) {
     const auto rule = facets != nullptr           ? info->GetSimpleContentWhitespaceRule()
                       : type == ItemType_string ? CWhitespaceUtils::WhitespaceRule_Preserve
                                                 : CWhitespaceUtils::WhitespaceRule_Collapse;
+    const std::string* emptyValue = info->GetSimpleContentEmptyValue();
+    const bool empty = emptyValue != nullptr && element->GetText().empty() && element->GetFirstElement() == nullptr;
+    const std::string& text = empty ? *emptyValue : element->GetText();
     QmVariant value;
-    value.FromString(element->GetText(), type, rule);
+    value.FromString(text, type, rule);
     if (facets != nullptr) {
-        CPrimitiveRestrictions::CheckRestriction(element->GetLocalName(), value, type, *facets, element->GetText(),
-                                                 rule);
+        CPrimitiveRestrictions::CheckRestriction(element->GetLocalName(), value, type, *facets, text, rule);
     }
     AccessProperty(info->GetPrimitiveValuePropertyIndex(), false, value);
 }

@@ -682,11 +682,15 @@ CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateForElement(int classIndex, CXm
         type = named;
     }
     if (!type->IsSimple() && static_cast<const CComplexType*>(type)->abstract) return CSmartPtr<CXmlObjectBase>();
-    const auto found = m_index->mapped.typeClasses.find({type, actual->name.ns});
-    if (found == m_index->mapped.typeClasses.end()) return CSmartPtr<CXmlObjectBase>();
-    auto* object = new CDynamicObject(this, m_classes[found->second].get());
+    int chosen = member.classIndex;  // the declared element's own class (its value constraint's too)
+    if (actual != declared || type != elementType) {
+        const auto found = m_index->mapped.typeClasses.find({type, actual->name.ns});
+        if (found == m_index->mapped.typeClasses.end()) return CSmartPtr<CXmlObjectBase>();
+        chosen = found->second;
+    }
+    auto* object = new CDynamicObject(this, m_classes[chosen].get());
     CSmartPtr<CXmlObjectBase> made(object);
-    object->m_retyped = found->second != member.classIndex;
+    object->m_retyped = chosen != member.classIndex;
     return made;
 }
 

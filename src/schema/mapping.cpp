@@ -136,7 +136,12 @@ public:
             if (!type->IsSimple() && !type->builtIn) ClassForType(type, type->name.local, type->name.ns);
         }
         for (const CElementDeclaration* element : m_set.GetElements()) {
-            const int index = ClassForType(TypeOf(element), element->name.local, element->name.ns);
+            const CTypeDefinition* type = TypeOf(element);
+            // A simple-typed element with a default or fixed value gets a
+            // class of its own: the value belongs to the element, not the type.
+            const bool ownClass = type->IsSimple() && element->valueConstraint.kind != CValueConstraint::None;
+            const int index = ownClass ? ClassForConstrainedElement(element)
+                                       : ClassForType(type, element->name.local, element->name.ns);
             m_out.roots[{element->name.ns, element->name.local}] = index;
             m_out.rootMembers[{element->name.ns, element->name.local}] = static_cast<int>(m_out.substitutable.size());
             m_out.substitutable.push_back(CSubstitutableMember{element, index});
@@ -232,6 +237,15 @@ private:
         return index;
     }
 
+    int ClassForConstrainedElement(const CElementDeclaration* element) {
+        const int index = NewClass(element->name.local);
+        m_out.classes[index]->elementNamespace = element->name.ns;
+        m_simpleClasses[index] = static_cast<const CSimpleType*>(element->type);
+        m_out.classTypes[index] = element->type;
+        m_constraints[index] = &element->valueConstraint;
+        return index;
+    }
+
     int ClassForGroup(const CModelGroup* group, const std::string& owner, const std::string& ns) {
         const bool choice = group->compositor == CModelGroup::Compositor::Choice;
         const int index = NewClass(owner + (choice ? "Choice" : "Sequence"));
@@ -301,8 +315,14 @@ private:
                                              elementNamespace.c_str(), true, false, valueIndex, valueType, "", false);
         if (valueSimpleType != nullptr) {
             CPrimitiveRestrictions facets = BindingFacets(valueSimpleType);
-            facets.SetValueRule(MakeValueRule(valueSimpleType, nullptr));
+            const auto constraint = m_constraints.find(index);
+            const CValueConstraint* fixed =
+                constraint != m_constraints.end() && constraint->second->kind == CValueConstraint::Fixed
+                    ? constraint->second
+                    : nullptr;
+            facets.SetValueRule(MakeValueRule(valueSimpleType, fixed));
             d.classInfo->SetSimpleContentRestrictions(facets, BindingWhitespaceRule(valueSimpleType));
+            if (constraint != m_constraints.end()) d.classInfo->SetSimpleContentEmptyValue(constraint->second->value);
         }
         d.elementInfos = new CElementInfo*[build.elements.size() + 1];
         for (size_t i = 0; i < build.elements.size(); ++i) d.elementInfos[i] = build.elements[i];
@@ -609,6 +629,7 @@ private:
     std::set<std::string> m_classNames;
     std::set<const CTypeDefinition*> m_hasDerived;
     std::map<int, const CSimpleType*> m_simpleClasses;
+    std::map<int, const CValueConstraint*> m_constraints;
 };
 
 }  // namespace

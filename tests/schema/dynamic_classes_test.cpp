@@ -206,6 +206,10 @@ const Case kCases[] = {
      "<xs:complexType><xs:attribute name='id' type='xs:ID'/><xs:attribute name='to' type='xs:IDREFS'/>"
      "</xs:complexType></xs:element></xs:sequence></xs:complexType></xs:element>",
      "<r xmlns='urn:t'><p id='a' to='a b'/><p id='b' to='c'/></r>", "!The IDREF value [c] matches no ID"},
+    {"EmptySimpleRootTakesItsFixedValue", "<xs:element name='r' type='xs:int' fixed='5'/>", "<r xmlns='urn:t'/>",
+     "<r xmlns=\"urn:t\">5</r>"},
+    {"SimpleRootOtherThanItsFixedValue", "<xs:element name='r' type='xs:int' fixed='5'/>",
+     "<r xmlns='urn:t'>6</r>", "!Failed to process the element [r]\n\nInvalid Value for r [6], the fixed value is [5]"},
     {"UnknownRoot", "<xs:element name='r' type='xs:int'/>", "<q xmlns='urn:t'>1</q>",
      "!No global element declaration for the root element [{urn:t}q]"},
 };

@@ -50,6 +50,15 @@ public:
     QmXmlLib10::CWhitespaceUtils::WhitespaceRule GetSimpleContentWhitespaceRule() const {
         return m_simpleContentRule;
     }
+    // The text an empty element stands for (a schema's default or fixed
+    // value of the element); none by default.
+    void SetSimpleContentEmptyValue(const std::string& text) {
+        m_simpleContentEmptyValue = text;
+        m_hasSimpleContentEmptyValue = true;
+    }
+    const std::string* GetSimpleContentEmptyValue() const {
+        return m_hasSimpleContentEmptyValue ? &m_simpleContentEmptyValue : nullptr;
+    }
 
     // True when the class has simple content (index not -1 and a data type).
     bool HasSimpleContent() const {
@@ -70,6 +79,8 @@ private:
     std::shared_ptr<const QmXmlLib10::CPrimitiveRestrictions> m_simpleContentFacets;
     QmXmlLib10::CWhitespaceUtils::WhitespaceRule m_simpleContentRule =
         QmXmlLib10::CWhitespaceUtils::WhitespaceRule_Preserve;
+    std::string m_simpleContentEmptyValue;
+    bool m_hasSimpleContentEmptyValue = false;
 };
 
 }  // namespace QmXmlLib10Data
