@@ -1,17 +1,7 @@
 #include "schema/value_rule.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <cstdio>
 #include <unordered_map>
-#include <unordered_set>
-#include <optional>
-#include <vector>
 
-#include "qmxml/core/exception.h"
-#include "qmxml/types/conversions.h"
-#include "qmxml/types/variant.h"
 #include "schema/lexical_check.h"
 
 namespace QmXmlLib10 {
@@ -19,200 +9,10 @@ namespace Schema {
 
 namespace {
 
-using C = CConversions;
-constexpr auto kAsIs = CWhitespaceUtils::WhitespaceRule_None;
 // Unions of lists of unions nest as deep as the schema writes them; the model
-// cannot cycle, but a rule never follows more levels than this.
+// cannot cycle, but the description never follows more levels than this
+// (the rule refuses what lies deeper).
 constexpr int kMaxDepth = 32;
-
-bool IsWhite(char c) { return CWhitespaceUtils::IsWhiteSpace(c); }
-
-// One value of an atomic type, in the value space of its primitive.
-struct Value {
-    Primitive primitive = Primitive::AnySimple;
-    // String-like types: the normalized text; decimals: the canonical form;
-    // binaries: the octets.
-    std::string text;
-    double number = 0;
-    bool boolean = false;
-    CDateTime date;
-    CDateTimeSpan duration;
-};
-
-enum class Order { Less, Equal, Greater, Unordered };
-
-Order FromCompare(CDateTime::DTCompareResult r) {
-    switch (r) {
-        case CDateTime::cmp_less: return Order::Less;
-        case CDateTime::cmp_equal: return Order::Equal;
-        case CDateTime::cmp_greater: return Order::Greater;
-        default: return Order::Unordered;
-    }
-}
-
-// Values of different primitives are never equal, as XML Schema 1.0 has it;
-// NaN equals itself (so an enumerated NaN matches) and is ordered with nothing else.
-Order Compare(const Value& a, const Value& b) {
-    if (a.primitive != b.primitive) return Order::Unordered;
-    switch (a.primitive) {
-        case Primitive::Decimal: {
-            const int c = CompareCanonicalDecimals(a.text, b.text);
-            return c < 0 ? Order::Less : (c > 0 ? Order::Greater : Order::Equal);
-        }
-        case Primitive::Float:
-        case Primitive::Double:
-            if (std::isnan(a.number) || std::isnan(b.number))
-                return std::isnan(a.number) && std::isnan(b.number) ? Order::Equal : Order::Unordered;
-            return a.number < b.number ? Order::Less : (b.number < a.number ? Order::Greater : Order::Equal);
-        case Primitive::Boolean:
-            return a.boolean == b.boolean ? Order::Equal : Order::Unordered;
-        case Primitive::Duration:
-            return FromCompare(a.duration.CompareTo(b.duration));
-        case Primitive::DateTime:
-        case Primitive::Time:
-        case Primitive::Date:
-        case Primitive::GYearMonth:
-        case Primitive::GYear:
-        case Primitive::GMonthDay:
-        case Primitive::GDay:
-        case Primitive::GMonth:
-            return FromCompare(a.date.CompareTo(b.date));
-        default:
-            return a.text == b.text ? Order::Equal : Order::Unordered;
-    }
-}
-
-// The value of a list or of an atomic type (one item).
-struct TypedValue {
-    bool list = false;
-    std::vector<Value> items;
-};
-
-bool Equal(const TypedValue& a, const TypedValue& b) {
-    if (a.list != b.list || a.items.size() != b.items.size()) return false;
-    for (std::size_t i = 0; i < a.items.size(); ++i)
-        if (Compare(a.items[i], b.items[i]) != Order::Equal) return false;
-    return true;
-}
-
-std::string Octets(const CBinaryData& data) {
-    const unsigned char* bytes = data.GetData();
-    return bytes == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(bytes), data.GetLength());
-}
-
-// The value of a valid literal (the text after the type's whitespace rule).
-bool ParseValue(Primitive p, const std::string& text, Value& v) {
-    v.primitive = p;
-    try {
-        switch (p) {
-            case Primitive::Decimal:
-                // Compared by canonical text: exact, and no heap digits per value.
-                v.text = CanonicalDecimal(text);
-                return true;
-            case Primitive::Float: v.number = C::r4FromString(text, kAsIs); return true;
-            case Primitive::Double: v.number = C::r8FromString(text, kAsIs); return true;
-            case Primitive::Boolean: v.boolean = text == "true" || text == "1"; return true;
-            case Primitive::Duration: v.duration = C::durationFromString(text, kAsIs); return true;
-            case Primitive::HexBinary: v.text = Octets(C::hexBinaryFromString(text, kAsIs)); return true;
-            case Primitive::Base64Binary: v.text = Octets(C::base64BinaryFromString(text, kAsIs)); return true;
-            case Primitive::DateTime:
-            case Primitive::Time:
-            case Primitive::Date:
-            case Primitive::GYearMonth:
-            case Primitive::GYear:
-            case Primitive::GMonthDay:
-            case Primitive::GDay:
-            case Primitive::GMonth:
-                return ParseDateLiteral(p, text, v.date);
-            default:
-                v.text = text;
-                return true;
-        }
-    } catch (const CQmException&) {
-        // Beyond what the runtime's types hold (a duration count past 2^64).
-        return false;
-    }
-}
-
-// The value the runtime already converted, when the variant holds one of the
-// primitive's value space; false leaves it to ParseValue. gYear, gMonth and
-// gDay are held without their zone, so they always come from the text.
-bool ValueFromVariant(Primitive p, const QmVariant& var, Value& v) {
-    v.primitive = p;
-    const ItemType held = var.GetTypeAsEnum();
-    if (p == Primitive::Decimal) return false;  // the text is cheaper than the variant's digits
-    switch (held) {
-        case ItemType_r4: if (p != Primitive::Float) return false; v.number = var.GetR4(); return true;
-        case ItemType_r8: if (p != Primitive::Double) return false; v.number = var.GetR8(); return true;
-        case ItemType_duration: if (p != Primitive::Duration) return false; v.duration = var.GetDuration(); return true;
-        case ItemType_datetime: if (p != Primitive::DateTime) return false; v.date = var.GetDateTime(); return true;
-        case ItemType_date: if (p != Primitive::Date) return false; v.date = var.GetDate(); return true;
-        case ItemType_time: if (p != Primitive::Time) return false; v.date = var.GetTime(); return true;
-        case ItemType_yearMonth: if (p != Primitive::GYearMonth) return false; v.date = var.GetYearMonth(); return true;
-        case ItemType_monthDay: if (p != Primitive::GMonthDay) return false; v.date = var.GetMonthDay(); return true;
-        case ItemType_hexBinary: if (p != Primitive::HexBinary) return false; v.text = Octets(var.GetHexBinary()); return true;
-        case ItemType_base64Binary:
-            if (p != Primitive::Base64Binary) return false;
-            v.text = Octets(var.GetBase64Binary());
-            return true;
-        default: return false;
-    }
-}
-
-// Characters, not bytes: UTF-8 continuation bytes do not count.
-std::size_t CodePoints(const std::string& s) {
-    std::size_t n = 0;
-    for (const char c : s)
-        if ((static_cast<unsigned char>(c) & 0xC0) != 0x80) ++n;
-    return n;
-}
-
-// totalDigits and fractionDigits of a valid decimal literal, which are those
-// of its value: the digits of its canonical form, where leading zeros of the
-// integer part and trailing zeros of the fraction are gone ("001.2300" has 3
-// and 2; "0.05" has 2 and 2).
-void CountDigits(const std::string& literal, unsigned long long& total, unsigned long long& fraction) {
-    const std::string s = CanonicalDecimal(literal);
-    std::size_t begin = s[0] == '-' ? 1 : 0;
-    const std::size_t point = std::min(s.find('.'), s.size());
-    if (point - begin == 1 && s[begin] == '0') ++begin;  // "0.05": the zero before the point
-    fraction = point < s.size() ? s.size() - point - 1 : 0;
-    total = (point - begin) + fraction;
-}
-
-// The value of a valid integer literal when it fits in 63 bits.
-bool SmallInteger(const std::string& s, std::int64_t& value) {
-    std::size_t i = !s.empty() && (s[0] == '-' || s[0] == '+') ? 1 : 0;
-    const bool negative = i == 1 && s[0] == '-';
-    while (i + 1 < s.size() && s[i] == '0') ++i;
-    if (s.size() - i > 18) return false;
-    std::int64_t v = 0;
-    for (; i < s.size(); ++i) v = v * 10 + (s[i] - '0');
-    value = negative ? -v : v;
-    return true;
-}
-
-bool IsNormalized(const std::string& s, WhiteSpace ws) {
-    if (ws == WhiteSpace::Preserve) return true;
-    for (std::size_t i = 0; i < s.size(); ++i) {
-        const char c = s[i];
-        if (c == '\t' || c == '\n' || c == '\r') return false;
-        if (ws == WhiteSpace::Collapse && c == ' ' && (i == 0 || i + 1 == s.size() || s[i + 1] == ' ')) return false;
-    }
-    return true;
-}
-
-// The canonical form the rule checks a value without document text by. The
-// runtime prints a gYear as its unsigned 16-bit pattern, which is no gYear.
-std::string CanonicalText(const QmVariant& value) {
-    if (value.GetTypeAsEnum() == ItemType_year) {
-        const int year = static_cast<short>(value.GetYear());
-        char buffer[16];
-        std::snprintf(buffer, sizeof buffer, year < 0 ? "-%04d" : "%04d", year < 0 ? -year : year);
-        return buffer;
-    }
-    return value.ToString();
-}
 
 bool DerivesFromBuiltIn(const CSimpleType* type, const char* local) {
     // Restriction steps only: a list's or union's base is anySimpleType.
@@ -223,21 +23,6 @@ bool DerivesFromBuiltIn(const CSimpleType* type, const char* local) {
         t = t->baseType;
     }
     return false;
-}
-
-// The range of a native integer item type, as canonical decimals; false for others.
-bool NativeRange(ItemType type, const char*& lo, const char*& hi) {
-    switch (type) {
-        case ItemType_i1: lo = "-128"; hi = "127"; return true;
-        case ItemType_i2: lo = "-32768"; hi = "32767"; return true;
-        case ItemType_i4: lo = "-2147483648"; hi = "2147483647"; return true;
-        case ItemType_i8: lo = "-9223372036854775808"; hi = "9223372036854775807"; return true;
-        case ItemType_ui1: lo = "0"; hi = "255"; return true;
-        case ItemType_ui2: lo = "0"; hi = "65535"; return true;
-        case ItemType_ui4: lo = "0"; hi = "4294967295"; return true;
-        case ItemType_ui8: lo = "0"; hi = "18446744073709551615"; return true;
-        default: return false;
-    }
 }
 
 // The whitespace handling a value gets before its type sees it. A union has
@@ -256,402 +41,84 @@ WhiteSpace ValueWhiteSpace(const CSimpleType* type, int depth = 0) {
     return weakest;
 }
 
-}  // namespace
+template <class T>
+std::optional<T> FacetOf(const std::optional<CFacetValue<T>>& facet) {
+    return facet ? std::optional<T>(facet->value) : std::nullopt;
+}
 
-struct CSchemaValueRule::Impl {
-    // One simple type of the rule: the type itself is node 0, list item types
-    // and union members follow.
-    struct Node {
-        CSimpleType::Variety variety = CSimpleType::Variety::None;
-        WhiteSpace whiteSpace = WhiteSpace::Preserve;
-        bool refuse = false;  // nested beyond kMaxDepth
-        std::vector<std::vector<std::string>> patterns;
-        std::vector<TypedValue> enumeration;
-        // String-like enumerations, for a look-up instead of a walk.
-        std::unordered_set<std::string> enumerationTexts;
-        bool textEnumeration = false;
-        std::optional<unsigned long long> length, minLength, maxLength;
-        // Atomic types.
-        Primitive primitive = Primitive::AnySimple;
-        bool integerForm = false;    // derived from integer: no point
-        bool ncname = false;         // derived from NCName
-        bool rejectNegative = false;  // held unsigned: the runtime wraps "-1"
-        bool characterLengths = false;
-        bool octetLengths = false;
-        std::optional<Value> minInclusive, maxInclusive, minExclusive, maxExclusive;
-        std::optional<unsigned long long> totalDigits, fractionDigits;
-        // The runtime item type, and whether each bound (min/max inclusive,
-        // min/max exclusive) is its own native range: a value the runtime
-        // converted to that type meets those bounds already.
-        ItemType runtimeType = ItemType_string;
-        bool implied[4] = {false, false, false, false};
-        // Integer types whose bounds fit in 63 bits compare as native
-        // integers, without a decimal per value: the bounds as inclusive ones.
-        bool smallBounds = false;
-        std::int64_t smallMin = 0, smallMax = 0;
-        bool needsValue = false;        // for a value that comes as text only
-        bool needsValueNative = false;  // for a value the runtime converted
-        // Lists and unions.
-        int item = -1;
-        std::vector<int> members;
-    };
-
-    std::vector<Node> nodes;
-    bool hasFixed = false;
-    std::string fixedText;
-    std::optional<TypedValue> fixedValue;
-
-    int Compile(const CSimpleType* type, int depth, std::unordered_map<const CSimpleType*, int>& memo);
-    void CompileAtomic(const CSimpleType* type, Node& n) const;
-    bool Evaluate(int index, const std::string& text, const QmVariant* variant, int depth, TypedValue* out) const;
-    bool EvaluateAtomic(const Node& n, const std::string& text, const QmVariant* variant, TypedValue* out) const;
-    bool InEnumeration(const Node& n, const std::string& text, const TypedValue& value) const;
-};
-
-int CSchemaValueRule::Impl::Compile(const CSimpleType* type, int depth,
-                                    std::unordered_map<const CSimpleType*, int>& memo) {
+// Fills the description's entries in the order the rule reads them: the type
+// first, then its item or members, each type once.
+int Describe(const CSimpleType* type, int depth, std::unordered_map<const CSimpleType*, int>& memo,
+             std::vector<CSimpleTypeCheck>& out) {
     const auto found = memo.find(type);
     if (found != memo.end()) return found->second;
-    const int index = static_cast<int>(nodes.size());
-    nodes.emplace_back();
+    const int index = static_cast<int>(out.size());
+    out.emplace_back();
     memo[type] = index;
-    Node n;
+    CSimpleTypeCheck c;
     if (depth > kMaxDepth) {
-        n.refuse = true;
-        nodes[index] = std::move(n);
+        c.refuse = true;
+        out[static_cast<std::size_t>(index)] = std::move(c);
         return index;
     }
-    if (type == nullptr) return index;  // accepts every value
-    n.variety = type->variety;
-    n.whiteSpace = ValueWhiteSpace(type);
-    n.patterns = type->facets.patterns;
+    if (type == nullptr) return index;
     const CFacets& f = type->facets;
+    c.variety = static_cast<XsdVariety>(static_cast<int>(type->variety));
+    c.whiteSpace = ValueWhiteSpace(type);
+    c.patterns = f.patterns;
+    c.enumeration = f.enumeration;
+    c.length = FacetOf(f.length);
+    c.minLength = FacetOf(f.minLength);
+    c.maxLength = FacetOf(f.maxLength);
     switch (type->variety) {
-        case CSimpleType::Variety::None:
-            break;
         case CSimpleType::Variety::Atomic:
-            CompileAtomic(type, n);
+            c.primitive = PrimitiveOf(type);
+            c.runtimeType = type->runtimeType;
+            c.integerForm = DerivesFromBuiltIn(type, "integer");
+            c.ncname = DerivesFromBuiltIn(type, "NCName");
+            c.minInclusive = FacetOf(f.minInclusive);
+            c.maxInclusive = FacetOf(f.maxInclusive);
+            c.minExclusive = FacetOf(f.minExclusive);
+            c.maxExclusive = FacetOf(f.maxExclusive);
+            c.totalDigits = FacetOf(f.totalDigits);
+            c.fractionDigits = FacetOf(f.fractionDigits);
             break;
         case CSimpleType::Variety::List:
-            n.length = f.length ? std::optional<unsigned long long>(f.length->value) : std::nullopt;
-            n.minLength = f.minLength ? std::optional<unsigned long long>(f.minLength->value) : std::nullopt;
-            n.maxLength = f.maxLength ? std::optional<unsigned long long>(f.maxLength->value) : std::nullopt;
-            n.item = Compile(type->itemType, depth + 1, memo);
+            c.item = Describe(type->itemType, depth + 1, memo, out);
             break;
         case CSimpleType::Variety::Union:
-            for (const CSimpleType* member : type->memberTypes) n.members.push_back(Compile(member, depth + 1, memo));
+            for (const CSimpleType* member : type->memberTypes) c.members.push_back(Describe(member, depth + 1, memo, out));
             break;
+        default: break;
     }
-    nodes[index] = std::move(n);
-    // Enumeration values are read by the type itself (its enumeration still
-    // empty): a list's items by the item type, a union's by its members in order.
-    std::vector<TypedValue> values;
-    std::unordered_set<std::string> texts;
-    for (const std::string& literal : f.enumeration) {
-        const std::string normalized = NormalizeWhiteSpace(literal, nodes[index].whiteSpace);
-        TypedValue value;
-        bool ok = false;
-        try {
-            ok = Evaluate(index, normalized, nullptr, depth, &value);
-        } catch (const CQmException&) {
-            // A pattern the engine cannot run: the value can never be valid.
-        }
-        if (ok) {
-            values.push_back(std::move(value));
-            texts.insert(normalized);
-        }
-    }
-    Node& self = nodes[index];
-    self.textEnumeration = self.variety == CSimpleType::Variety::Atomic &&
-                           (self.primitive == Primitive::String || self.primitive == Primitive::AnyURI ||
-                            self.primitive == Primitive::QName || self.primitive == Primitive::Notation);
-    if (self.textEnumeration) self.enumerationTexts = std::move(texts);
-    self.enumeration = std::move(values);
-    if (!f.enumeration.empty() && self.enumeration.empty()) self.refuse = true;  // nothing can match
-    const bool valueEnumeration = !self.enumeration.empty() && !self.textEnumeration;
-    self.needsValue = self.needsValue || valueEnumeration;
-    self.needsValueNative = self.needsValueNative || valueEnumeration;
+    out[static_cast<std::size_t>(index)] = std::move(c);
     return index;
 }
 
-void CSchemaValueRule::Impl::CompileAtomic(const CSimpleType* type, Node& n) const {
-    const CFacets& f = type->facets;
-    n.primitive = PrimitiveOf(type);
-    n.runtimeType = type->runtimeType;
-    n.integerForm = n.primitive == Primitive::Decimal && DerivesFromBuiltIn(type, "integer");
-    n.ncname = DerivesFromBuiltIn(type, "NCName");
-    n.characterLengths = n.primitive == Primitive::String || n.primitive == Primitive::AnyURI;
-    n.octetLengths = n.primitive == Primitive::HexBinary || n.primitive == Primitive::Base64Binary;
-    if (n.characterLengths || n.octetLengths) {
-        if (f.length) n.length = f.length->value;
-        if (f.minLength) n.minLength = f.minLength->value;
-        if (f.maxLength) n.maxLength = f.maxLength->value;
-    }
-    auto bound = [&](const std::optional<CFacetValue<std::string>>& facet, std::optional<Value>& out) {
-        if (!facet) return;
-        Value v;
-        const std::string text = NormalizeWhiteSpace(facet->value, WhiteSpace::Collapse);
-        // A bound the loader let through but no value can be compared with
-        // (a year beyond 9999) is left out rather than refusing every value.
-        if (IsPrimitiveLiteral(n.primitive, text) && ParseValue(n.primitive, text, v)) out = std::move(v);
-    };
-    bound(f.minInclusive, n.minInclusive);
-    bound(f.maxInclusive, n.maxInclusive);
-    bound(f.minExclusive, n.minExclusive);
-    bound(f.maxExclusive, n.maxExclusive);
-    if (n.primitive == Primitive::Decimal) {
-        if (f.totalDigits) n.totalDigits = f.totalDigits->value;
-        if (f.fractionDigits && !(n.integerForm && f.fractionDigits->value == 0))
-            n.fractionDigits = f.fractionDigits->value;
-        // Bounds the native type the runtime holds the value in already
-        // enforces (int's own range) cost a comparison per value for nothing.
-        const char* lo = nullptr;
-        const char* hi = nullptr;
-        if (NativeRange(type->runtimeType, lo, hi)) {
-            auto cmp = [](const std::optional<Value>& b, const char* limit) { return CompareCanonicalDecimals(b->text, limit); };
-            n.implied[0] = n.minInclusive && cmp(n.minInclusive, lo) <= 0;
-            n.implied[1] = n.maxInclusive && cmp(n.maxInclusive, hi) >= 0;
-            n.implied[2] = n.minExclusive && cmp(n.minExclusive, lo) < 0;
-            n.implied[3] = n.maxExclusive && cmp(n.maxExclusive, hi) > 0;
-            // The runtime reads "-1" into an unsigned type as its bit pattern.
-            n.rejectNegative = std::string(lo) == "0";
-        }
-    }
-    const bool bounds[4] = {n.minInclusive.has_value(), n.maxInclusive.has_value(), n.minExclusive.has_value(),
-                            n.maxExclusive.has_value()};
-    const bool other = n.octetLengths && (n.length || n.minLength || n.maxLength);
-    if (n.integerForm) {
-        // Integer bounds of up to 18 digits; a wider one (or, against the
-        // loader's checks, one with a fraction) keeps the general path.
-        std::int64_t values[4] = {INT64_MIN, INT64_MAX, 0, 0};
-        const std::optional<Value>* all[4] = {&n.minInclusive, &n.maxInclusive, &n.minExclusive, &n.maxExclusive};
-        bool fits = true;
-        for (int i = 0; i < 4 && fits; ++i)
-            if (*all[i]) fits = (*all[i])->text.find('.') == std::string::npos && SmallInteger((*all[i])->text, values[i]);
-        if (fits) {
-            n.smallBounds = true;
-            n.smallMin = n.minInclusive ? values[0] : INT64_MIN;
-            n.smallMax = n.maxInclusive ? values[1] : INT64_MAX;
-            if (n.minExclusive) n.smallMin = std::max(n.smallMin, values[2] + 1);
-            if (n.maxExclusive) n.smallMax = std::min(n.smallMax, values[3] - 1);
-        }
-    }
-    n.needsValue = other;
-    n.needsValueNative = other;
-    for (int i = 0; i < 4; ++i) {
-        n.needsValue = n.needsValue || bounds[i];
-        n.needsValueNative = n.needsValueNative || (bounds[i] && !n.implied[i]);
-    }
-}
+}  // namespace
 
-bool CSchemaValueRule::Impl::InEnumeration(const Node& n, const std::string& text, const TypedValue& value) const {
-    if (n.textEnumeration) return n.enumerationTexts.count(text) != 0;
-    for (const TypedValue& e : n.enumeration)
-        if (Equal(e, value)) return true;
-    return false;
-}
-
-bool CSchemaValueRule::Impl::EvaluateAtomic(const Node& n, const std::string& text, const QmVariant* variant,
-                                            TypedValue* out) const {
-    // A value the runtime converted to the node's own item type meets that
-    // type's native range, and its fields were checked by the conversion;
-    // one checked from text alone must show both.
-    const bool converted = variant != nullptr && variant->GetTypeAsEnum() == n.runtimeType;
-    if (!(converted ? IsPrimitiveShape(n.primitive, text) : IsPrimitiveLiteral(n.primitive, text))) return false;
-    if (n.integerForm && !IsDecimalLiteral(text, false)) return false;
-    if (n.rejectNegative && text[0] == '-' && text.find_first_not_of("0", 1) != std::string::npos) return false;
-    if (n.ncname && !IsNCNameLiteral(text)) return false;
-    auto lengthHolds = [&](std::size_t length) {
-        return (!n.length || length == *n.length) && (!n.minLength || length >= *n.minLength) &&
-               (!n.maxLength || length <= *n.maxLength);
-    };
-    if (n.characterLengths && (n.length || n.minLength || n.maxLength) && !lengthHolds(CodePoints(text)))
-        return false;
-    if (n.textEnumeration && !n.enumeration.empty() && !n.enumerationTexts.count(text)) return false;
-    if (n.totalDigits || n.fractionDigits) {
-        unsigned long long total = 0;
-        unsigned long long fraction = 0;
-        CountDigits(text, total, fraction);
-        if ((n.totalDigits && total > *n.totalDigits) || (n.fractionDigits && fraction > *n.fractionDigits))
-            return false;
+CSimpleTypeDescription DescribeSimpleType(const CSimpleType* type, const CValueConstraint* fixed) {
+    CSimpleTypeDescription d;
+    if (type != nullptr) {
+        std::unordered_map<const CSimpleType*, int> memo;
+        Describe(type, 0, memo, d.types);
     }
-    if (!(converted ? n.needsValueNative : n.needsValue) && out == nullptr) return true;
-    std::int64_t small = 0;
-    if (n.smallBounds && n.enumeration.empty() && out == nullptr && SmallInteger(text, small))
-        return small >= n.smallMin && small <= n.smallMax;
-    Value v;
-    if (!(variant != nullptr && ValueFromVariant(n.primitive, *variant, v)) && !ParseValue(n.primitive, text, v))
-        return false;
-    if (n.octetLengths && !lengthHolds(v.text.size())) return false;
-    // An indeterminate comparison fails the bound, as in the runtime's facets.
-    if (n.minInclusive && !(converted && n.implied[0])) {
-        const Order o = Compare(v, *n.minInclusive);
-        if (o != Order::Greater && o != Order::Equal) return false;
-    }
-    if (n.maxInclusive && !(converted && n.implied[1])) {
-        const Order o = Compare(v, *n.maxInclusive);
-        if (o != Order::Less && o != Order::Equal) return false;
-    }
-    if (n.minExclusive && !(converted && n.implied[2]) && Compare(v, *n.minExclusive) != Order::Greater) return false;
-    if (n.maxExclusive && !(converted && n.implied[3]) && Compare(v, *n.maxExclusive) != Order::Less) return false;
-    TypedValue local;
-    TypedValue& result = out != nullptr ? *out : local;
-    result.list = false;
-    result.items.clear();
-    result.items.push_back(std::move(v));
-    return n.textEnumeration || n.enumeration.empty() || InEnumeration(n, text, result);
-}
-
-// text is already normalized by the node's whitespace rule. Recursion follows
-// the type's nesting (bounded by kMaxDepth), never the length of the value.
-bool CSchemaValueRule::Impl::Evaluate(int index, const std::string& text, const QmVariant* variant, int depth,
-                                      TypedValue* out) const {
-    const Node& n = nodes[static_cast<std::size_t>(index)];
-    if (n.refuse || depth > kMaxDepth) return false;
-    for (const auto& step : n.patterns) {
-        bool any = false;
-        for (const std::string& p : step)
-            if ((any = CPrimitiveRestrictions::MatchesPattern(text, p))) break;
-        if (!any) return false;
-    }
-    switch (n.variety) {
-        case CSimpleType::Variety::None:
-            if (out != nullptr) {
-                out->list = false;
-                out->items.assign(1, Value{});
-                out->items[0].text = text;
-            }
-            return true;
-        case CSimpleType::Variety::Atomic:
-            return EvaluateAtomic(n, text, variant, out);
-        case CSimpleType::Variety::List: {
-            TypedValue local;
-            TypedValue* result = out != nullptr ? out : (n.enumeration.empty() ? nullptr : &local);
-            if (result != nullptr) {
-                result->list = true;
-                result->items.clear();
-            }
-            unsigned long long count = 0;
-            std::size_t i = 0;
-            TypedValue item;
-            while (true) {
-                while (i < text.size() && IsWhite(text[i])) ++i;
-                if (i == text.size()) break;
-                std::size_t end = i;
-                while (end < text.size() && !IsWhite(text[end])) ++end;
-                if (!Evaluate(n.item, text.substr(i, end - i), nullptr, depth + 1, result ? &item : nullptr))
-                    return false;
-                if (result != nullptr)
-                    for (Value& v : item.items) result->items.push_back(std::move(v));
-                ++count;
-                i = end;
-            }
-            if ((n.length && count != *n.length) || (n.minLength && count < *n.minLength) ||
-                (n.maxLength && count > *n.maxLength))
-                return false;
-            return n.enumeration.empty() || InEnumeration(n, text, *result);
-        }
-        case CSimpleType::Variety::Union: {
-            const bool need = out != nullptr || !n.enumeration.empty();
-            for (const int m : n.members) {
-                const WhiteSpace ws = nodes[static_cast<std::size_t>(m)].whiteSpace;
-                TypedValue candidate;
-                const bool ok = IsNormalized(text, ws)
-                                    ? Evaluate(m, text, nullptr, depth + 1, need ? &candidate : nullptr)
-                                    : Evaluate(m, NormalizeWhiteSpace(text, ws), nullptr, depth + 1,
-                                               need ? &candidate : nullptr);
-                if (!ok) continue;
-                // The first member that takes the value decides its value.
-                if (!n.enumeration.empty() && !InEnumeration(n, text, candidate)) return false;
-                if (out != nullptr) *out = std::move(candidate);
-                return true;
-            }
-            return false;
-        }
-    }
-    return false;
-}
-
-CSchemaValueRule::CSchemaValueRule(const CSimpleType* type, const CValueConstraint* fixed) {
-    auto impl = std::make_unique<Impl>();
-    std::unordered_map<const CSimpleType*, int> memo;
-    impl->Compile(type, 0, memo);
-    if (fixed != nullptr && fixed->kind == CValueConstraint::Fixed) {
-        impl->hasFixed = true;
-        impl->fixedText = NormalizeWhiteSpace(fixed->value, impl->nodes[0].whiteSpace);
-        TypedValue value;
-        try {
-            if (impl->Evaluate(0, impl->fixedText, nullptr, 0, &value)) impl->fixedValue = std::move(value);
-        } catch (const CQmException&) {
-            // Compared by its text below.
-        }
-    }
+    if (fixed != nullptr && fixed->kind == CValueConstraint::Fixed) d.fixed = fixed->value;
     // Values written or set are checked by their canonical form, which for
     // these built-in types every value of the runtime's type has: the
-    // conversion on reading was the only lenient step.
+    // conversion on reading was the only lenient step. (Dates and durations
+    // are left out: the runtime holds zones and fields beyond XML Schema's
+    // ranges.)
     static const char* const kExactTypes[] = {"string",  "boolean",      "decimal",     "integer",       "long",
                                               "int",     "short",        "byte",        "unsignedLong",  "unsignedInt",
                                               "unsignedShort", "unsignedByte", "double", "float",        "hexBinary",
                                               "base64Binary"};
-    // (Dates and durations are left out: the runtime holds zones and
-    // fields beyond XML Schema's ranges.)
-    if (type != nullptr && type->builtIn && !impl->hasFixed &&
-        type->name.ns == "http://www.w3.org/2001/XMLSchema") {
+    if (type != nullptr && type->builtIn && type->name.ns == "http://www.w3.org/2001/XMLSchema") {
         for (const char* name : kExactTypes) {
-            if (type->name.local == name) m_valuesAlwaysValid = true;
+            if (type->name.local == name) d.valuesAlwaysValid = true;
         }
     }
-    m_impl = std::move(impl);
-}
-
-CSchemaValueRule::~CSchemaValueRule() = default;
-
-void CSchemaValueRule::Check(const std::string& memberName, const QmVariant& value, ItemType,
-                             const std::string* text) const {
-    if (value.IsNil() || (text == nullptr && m_valuesAlwaysValid)) return;
-    const Impl& impl = *m_impl;
-    std::string canonical;
-    if (text == nullptr) {
-        // Checked as the document written from it will read back.
-        canonical = CanonicalText(value);
-        if (!IsNormalized(canonical, impl.nodes[0].whiteSpace))
-            canonical = NormalizeWhiteSpace(canonical, impl.nodes[0].whiteSpace);
-        text = &canonical;
-    }
-    TypedValue actual;
-    bool ok = false;
-    try {
-        ok = impl.Evaluate(0, *text, &value, 0, impl.fixedValue ? &actual : nullptr);
-    } catch (const CQmException& e) {
-        throw CQmValidationException(FormatString("%s\nInvalid Value for %s [%s]", e.GetMessage().c_str(),
-                                                  memberName.c_str(), text->c_str()));
-    }
-    if (!ok) throw CQmValidationException(FormatString("Invalid Value for %s [%s]", memberName.c_str(), text->c_str()));
-    if (impl.hasFixed && (impl.fixedValue ? !Equal(actual, *impl.fixedValue) : *text != impl.fixedText))
-        throw CQmValidationException(FormatString("Invalid Value for %s [%s], the fixed value is [%s]",
-                                                  memberName.c_str(), text->c_str(), impl.fixedText.c_str()));
-}
-
-bool CSchemaValueRule::Accepts(const std::string& text) const {
-    const Impl& impl = *m_impl;
-    const std::string normalized = NormalizeWhiteSpace(text, impl.nodes[0].whiteSpace);
-    TypedValue actual;
-    try {
-        if (!impl.Evaluate(0, normalized, nullptr, 0, impl.fixedValue ? &actual : nullptr)) return false;
-    } catch (const CQmException&) {
-        return false;
-    }
-    if (!impl.hasFixed) return true;
-    return impl.fixedValue ? Equal(actual, *impl.fixedValue) : normalized == impl.fixedText;
-}
-
-bool CSchemaValueRule::IsTrivial() const {
-    const Impl::Node& n = m_impl->nodes[0];
-    if (m_impl->hasFixed || n.refuse) return false;
-    if (n.variety == CSimpleType::Variety::None) return true;
-    return n.variety == CSimpleType::Variety::Atomic &&
-           (n.primitive == Primitive::String || n.primitive == Primitive::AnyURI) && n.patterns.empty() &&
-           n.enumeration.empty() && !n.length && !n.minLength && !n.maxLength && !n.ncname;
+    return d;
 }
 
 ItemType BindingItemType(const CSimpleType* type) {
@@ -672,9 +139,7 @@ CWhitespaceUtils::WhitespaceRule BindingWhitespaceRule(const CSimpleType* type) 
 CPrimitiveRestrictions BindingFacets(const CSimpleType*) { return CPrimitiveRestrictions(); }
 
 std::shared_ptr<const CValueRule> MakeValueRule(const CSimpleType* type, const CValueConstraint* fixed) {
-    auto rule = std::make_shared<const CSchemaValueRule>(type, fixed);
-    if (rule->IsTrivial()) return nullptr;
-    return rule;
+    return CSimpleTypeRule::Make(DescribeSimpleType(type, fixed));
 }
 
 }  // namespace Schema

@@ -5,11 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "qmxml/types/simple_type_rule.h"
+
 namespace QmXmlLib10 {
 namespace Schema {
 
-// XML Schema's whiteSpace facet values.
-enum class WhiteSpace : int { Preserve = 0, Replace = 1, Collapse = 2 };
+// XML Schema's whiteSpace facet values (the runtime's, which checks values).
+using WhiteSpace = XsdWhiteSpace;
 
 // A facet value with its {fixed} property.
 template <typename T>
