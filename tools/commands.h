@@ -49,4 +49,13 @@ int RunConvertWithSchema(const ConvertOptions& options);
 int RunValidate(const std::vector<std::string>& schemas, const std::vector<std::string>& documents);
 int RunSchema(const std::vector<std::string>& schemas);
 
+struct GenerateOptions {
+    std::vector<std::string> schemas;
+    std::string outputDir = ".";
+    std::vector<std::string> namespaceMap;  // URI=cpp::namespace
+    bool listOutputs = false;               // print the paths, write nothing
+};
+// C++ classes of a schema set (see tools/codegen/cpp_emitter.h).
+int RunGenerate(const GenerateOptions& options);
+
 }  // namespace qmxml_tool

@@ -37,6 +37,7 @@
 #include "qmxml/types/binary_data.h"
 #include "qmxml/types/variant.h"
 #include "qmxml/types/restrictions.h"
+#include "qmxml/types/simple_type_rule.h"
 #include "qmxml/types/decimal.h"
 #include "qmxml/types/date_time_span.h"
 #include "qmxml/types/date_time.h"

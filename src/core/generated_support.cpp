@@ -4,6 +4,8 @@
 
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
+#include "qmxml/collections/xml_collection.h"
+#include "qmxml/dom/xml_document.h"
 #include "qmxml/dom/xml_element.h"
 
 namespace QmXmlLib10 {
@@ -122,6 +124,118 @@ CXmlElement* CMandatoryInlineChoice::FromXml_Int(CXmlElement* parent, CXmlElemen
     CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
     CheckChoiceSelected(GetChoiceSelectedElement(), parent, ctx);
     return rest;
+}
+
+// ------------------------------------------------------------------ schema-derived classes
+
+const CPrimitiveRestrictions kNoFacets;
+
+CPrimitiveRestrictions FacetsWithRule(std::shared_ptr<const CValueRule> rule) {
+    CPrimitiveRestrictions facets;
+    facets.SetValueRule(std::move(rule));
+    return facets;
+}
+
+void CheckNoTextContent(const CXmlElement* parent) {
+    if (parent == nullptr) return;
+    const std::string& own = parent->GetText();
+    if (own.find_first_not_of(" \t\n\r") == std::string::npos) return;
+    std::string text = own;
+    if (text.size() > 40) text = text.substr(0, 40) + "...";
+    const CQmValidationException cause(
+        FormatString("Unexpected text [%s] in the element [%s]", text.c_str(), parent->GetLocalName().c_str()));
+    throw CQmValidationException(FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()),
+                                 cause);
+}
+
+void CheckInlineChoiceRead(CXmlGeneratedClass& choice, int propertyCount, const CXmlElement* parent,
+                           const CXmlSerializationContext& ctx) {
+    bool selected = false;
+    for (int i = 0; i < propertyCount && !selected; ++i) {
+        QmVariant value;
+        choice.AccessProperty(i, true, value);
+        if (!value.IsValid()) continue;
+        if (value.IsNil()) {
+            selected = true;
+        } else if (static_cast<int>(value.GetTypeAsEnum()) == QmVariant::kXmlCollectionType) {
+            const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+            selected = collection && collection->GetCount() > 0;
+        } else if (static_cast<int>(value.GetTypeAsEnum()) == QmVariant::kXmlObjectType) {
+            selected = static_cast<bool>(value.GetXmlObject());
+        } else {
+            selected = true;
+        }
+    }
+    CheckChoiceSelected(selected ? "selected" : "", parent, ctx);
+}
+
+namespace {
+
+constexpr const char* kXsiNamespace = "http://www.w3.org/2001/XMLSchema-instance";
+
+CSmartPtr<CXmlGeneratedClass> BindRoot(const CRootElement* roots, std::size_t count, CXmlDocument& document,
+                                       const CXmlSerializationContext& ctx) {
+    const CXmlElement* root = document.GetDocumentElement();
+    if (root == nullptr) throw CQmException("Invalid or empty XML document");
+    const std::string name = root->GetNamespaceURI().empty()
+                                 ? root->GetLocalName()
+                                 : "{" + root->GetNamespaceURI() + "}" + root->GetLocalName();
+    const CRootElement* entry = nullptr;
+    for (std::size_t i = 0; i < count && entry == nullptr; ++i) {
+        if (root->GetLocalName() == roots[i].localName && root->GetNamespaceURI() == roots[i].ns) entry = &roots[i];
+    }
+    if (entry == nullptr) {
+        throw CQmValidationException(
+            FormatString("No global element declaration for the root element [%s]", name.c_str()));
+    }
+    bool refused = entry->isAbstract;
+    for (const CXmlAttribute* attribute : root->GetAttributes()) {
+        if (attribute->GetLocalName() != "type" || attribute->GetNamespaceURI() != kXsiNamespace) continue;
+        // Prefixes cannot be resolved on the tree: the local part names the type.
+        const std::string& value = attribute->GetValue();
+        const std::size_t colon = value.find(':');
+        const std::string local = colon == std::string::npos ? value : value.substr(colon + 1);
+        refused = refused || entry->typeName == nullptr || local != entry->typeName;
+    }
+    if (refused) {
+        throw CQmValidationException(FormatString(
+            "The root element [%s] is abstract, or its xsi:type names no type it may take", name.c_str()));
+    }
+    CSmartPtr<CXmlObjectBase> made = entry->create();
+    CSmartPtr<CXmlGeneratedClass> object(static_cast<CXmlGeneratedClass*>(made.Get()));
+    CXmlObjectAccess::SetElementName(object, root->GetLocalName().c_str());
+    object->FromXmlElement(root, ctx);
+    return object;
+}
+
+}  // namespace
+
+CSmartPtr<CXmlGeneratedClass> CreateRootElement(const CRootElement* roots, std::size_t count, const std::string& ns,
+                                                const std::string& localName) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (localName != roots[i].localName || ns != roots[i].ns) continue;
+        CSmartPtr<CXmlObjectBase> made = roots[i].create();
+        CSmartPtr<CXmlGeneratedClass> object(static_cast<CXmlGeneratedClass*>(made.Get()));
+        CXmlObjectAccess::SetElementName(object, localName.c_str());
+        return object;
+    }
+    return CSmartPtr<CXmlGeneratedClass>();
+}
+
+CSmartPtr<CXmlGeneratedClass> ReadRootFile(const CRootElement* roots, std::size_t count, const std::string& path,
+                                           const CXmlSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.Load(path.c_str());
+    return BindRoot(roots, count, document, ctx);
+}
+
+CSmartPtr<CXmlGeneratedClass> ReadRootBuffer(const CRootElement* roots, std::size_t count, const void* data,
+                                             std::size_t size, const CXmlSerializationContext& ctx) {
+    if (size > 0xffffffffu) throw CQmInvalidParamException("The document is larger than 4 GiB");
+    std::string copy(static_cast<const char*>(data), size);
+    CXmlDocument document(ctx);
+    document.LoadXmlStream(reinterpret_cast<unsigned char*>(&copy[0]), static_cast<std::uint32_t>(copy.size()));
+    return BindRoot(roots, count, document, ctx);
 }
 
 // ------------------------------------------------------------------ enumerations

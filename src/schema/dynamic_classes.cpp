@@ -339,16 +339,6 @@ std::string CDynamicObject::GetTargetNamespace() const {
     return m_isRoot ? m_rootNamespace : CXmlGeneratedClass::GetTargetNamespace();
 }
 
-namespace {
-
-bool IsXmlWhitespace(const std::string& text) {
-    for (const char c : text) {
-        if (c != ' ' && c != '\t' && c != '\n' && c != '\r') return false;
-    }
-    return true;
-}
-
-}  // namespace
 
 CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* current,
                                          const CXmlSerializationContext& ctx, bool isRoot) {
@@ -356,16 +346,10 @@ CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* curre
     // would drop it unseen.
     const CComplexType* type = m_description->type;
     const bool ownElement = m_description->elementType == XmlElementType_Element;
-    if (parent != nullptr && type != nullptr && ownElement &&
+    if (type != nullptr && ownElement &&
         (type->contentType == CComplexType::ContentType::ElementOnly ||
-         type->contentType == CComplexType::ContentType::Empty) &&
-        !IsXmlWhitespace(parent->GetText())) {
-        std::string text = parent->GetText();
-        if (text.size() > 40) text = text.substr(0, 40) + "...";
-        const CQmValidationException cause(FormatString("Unexpected text [%s] in the element [%s]", text.c_str(),
-                                                        parent->GetLocalName().c_str()));
-        throw CQmValidationException(
-            FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), cause);
+         type->contentType == CComplexType::ContentType::Empty)) {
+        Generated::CheckNoTextContent(parent);
     }
     CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
     if (m_description->hasCheckedWildcards && parent != nullptr) {

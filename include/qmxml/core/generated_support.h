@@ -16,6 +16,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -31,6 +32,7 @@
 #include "qmxml/types/decimal.h"
 #include "qmxml/types/restrictions.h"
 #include "qmxml/types/variant.h"
+#include "qmxml/types/whitespace.h"
 
 namespace QmXmlLib10 {
 namespace Generated {
@@ -362,6 +364,11 @@ template <class C, class F>
 void AccessMember(bool read, QmVariant& v, CodedMember<C, F> member) {
     Codec::Access(read, v, member.field, member.codec);
 }
+// A member held as the variant itself (item types without a C++ type of
+// their own, values of nillable elements): an invalid variant is unset.
+inline void AccessMember(bool read, QmVariant& v, QmVariant& field) {
+    if (read) v = field; else field = std::move(v);
+}
 // Collections travel as collections, every other object as an object.
 template <class T>
 void AccessMember(bool read, QmVariant& v, CSmartPtr<T>& field) {
@@ -388,6 +395,7 @@ void AccessMembers(const char* className, int propertyIndex, bool read, QmVarian
 // argument-dependent lookup.
 inline void ClearValue(std::string& text) { text.clear(); }
 inline void ClearValue(bool& flag) { flag = false; }
+inline void ClearValue(QmVariant& value) { value.SetInvalid(); }
 template <class T>
 void ClearValue(std::optional<T>& field) {
     field.reset();
@@ -417,6 +425,71 @@ void ResetCollection(CSmartPtr<C>& field, Args&&... constructorArguments) {
         field = new C(std::forward<Args>(constructorArguments)...);
     }
 }
+
+// A collection of simple values: emptied in place when nobody else holds it,
+// otherwise a new Col for the element name, namespace, bounds and whitespace
+// rule; either way it checks its items with valueRule (may be null).
+template <class Col>
+void ResetValueCollection(CSmartPtr<Col>& field, const char* name, const char* ns, std::int32_t minOccurs,
+                          std::int32_t maxOccurs, CWhitespaceUtils::WhitespaceRule rule,
+                          const std::shared_ptr<const CValueRule>& valueRule) {
+    if (field && field->GetRefCount() == 1) {
+        field->Clear();
+        return;
+    }
+    field = new Col(name, ns, minOccurs, maxOccurs, "", -1, -1, "", "", "", "", -1, rule, "");
+    field->SetValueRule(valueRule);
+}
+
+// The facets of a member without any.
+extern const CPrimitiveRestrictions kNoFacets;
+
+// Facets that hold a schema rule alone (schema-derived members check every
+// facet through it).
+CPrimitiveRestrictions FacetsWithRule(std::shared_ptr<const CValueRule> rule);
+
+// ------------------------------------------------------------------ schema-derived classes
+
+// Element-only and empty content take no character data, which the binding
+// would otherwise drop unseen. Throws CQmValidationException "Failed to
+// process the element [<name>]" caused by "Unexpected text [<text>] in the
+// element [<name>]" (the text cut after 40 characters) when the element's
+// own text is not whitespace. A null parent (nothing read) passes.
+void CheckNoTextContent(const CXmlElement* parent);
+
+// CheckChoiceSelected for an inlined choice read through AccessProperty: the
+// choice is selected when one of its first propertyCount members holds a
+// value, an object or a non-empty collection.
+void CheckInlineChoiceRead(CXmlGeneratedClass& choice, int propertyCount, const CXmlElement* parent,
+                           const CXmlSerializationContext& ctx);
+
+// A global element of a schema set as a document's root: its name, its
+// type's name for xsi:type (null for an anonymous type), whether it cannot
+// be a root (an abstract element or type), and its class.
+struct CRootElement {
+    const char* ns;
+    const char* localName;
+    const char* typeName;
+    bool isAbstract;
+    CSmartPtr<CXmlObjectBase> (*create)();
+};
+
+// The object for a root element of this name from the table, its element
+// name set; null when the table has no such element.
+CSmartPtr<CXmlGeneratedClass> CreateRootElement(const CRootElement* roots, std::size_t count, const std::string& ns,
+                                                const std::string& localName);
+
+// Reads a document into the object of the root element the table names for
+// its document element, as the schema layer's dynamic classes read it. A root
+// the table lacks throws CQmValidationException "No global element
+// declaration for the root element [%s]" ({ns}local, or the local name alone
+// in no namespace); an abstract one, or one whose xsi:type names another type
+// than its own, "The root element [%s] is abstract, or its xsi:type names no
+// type it may take"; every other failure is the runtime's.
+CSmartPtr<CXmlGeneratedClass> ReadRootFile(const CRootElement* roots, std::size_t count, const std::string& path,
+                                           const CXmlSerializationContext& ctx);
+CSmartPtr<CXmlGeneratedClass> ReadRootBuffer(const CRootElement* roots, std::size_t count, const void* data,
+                                             std::size_t size, const CXmlSerializationContext& ctx);
 
 // ------------------------------------------------------------------ equality
 
