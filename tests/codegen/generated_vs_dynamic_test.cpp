@@ -9,6 +9,7 @@
 #include <string>
 
 #include "constructs/constructs.h"
+#include "names/names.h"
 #include "orders/orders.h"
 #include "qmxml/schema/dynamic_classes.h"
 
@@ -19,11 +20,14 @@ namespace {
 
 using Reader = std::function<CSmartPtr<CXmlGeneratedClass>(const std::string&)>;
 
+using BufferReader = CSmartPtr<CXmlGeneratedClass> (*)(const void*, std::size_t, const CXmlSerializationContext&);
+
 struct Case {
     const char* name;     // the test's name
     const char* schema;   // relative to the source tree
     const char* instance;
     Reader read;          // the generated set's ReadFile
+    BufferReader readBuffer;
 };
 
 const std::string kData = QMXML_SOURCE_DIR "/tests/codegen/data/";
@@ -33,6 +37,9 @@ Reader Orders() {
 }
 Reader Constructs() {
     return [](const std::string& path) { return example_com_codegen_constructs::ReadFile(path); };
+}
+Reader Names() {
+    return [](const std::string& path) { return class_ns::ReadFile(path); };
 }
 
 // What reading gives: the written text (and the text of its Fast Infoset
@@ -77,11 +84,7 @@ TEST_P(GeneratedVsDynamic, SameVerdictMessagesAndOutput) {
                                  [&](const CBinaryData& fi) { return classes->ReadBuffer(fi.GetData(), fi.GetLength()); });
     const Outcome generated = Bind([&] { return c.read(path); },
                                    [&](const CBinaryData& fi) {
-                                       // The generated set reads buffers too; through a file-less path.
-                                       const std::string bytes(reinterpret_cast<const char*>(fi.GetData()), fi.GetLength());
-                                       return std::string(c.schema).find("orders") != std::string::npos
-                                                  ? example_orders::ReadBuffer(bytes.data(), bytes.size())
-                                                  : example_com_codegen_constructs::ReadBuffer(bytes.data(), bytes.size());
+                                       return c.readBuffer(fi.GetData(), fi.GetLength(), CXmlSerializationContext());
                                    });
     EXPECT_EQ(generated.valid, dynamic.valid);
     EXPECT_EQ(generated.message, dynamic.message);
@@ -92,28 +95,33 @@ TEST_P(GeneratedVsDynamic, SameVerdictMessagesAndOutput) {
 }
 
 const Case kCases[] = {
-    {"OrdersBook", "bench/orders.xsd", "examples/data/orders.xml", Orders()},
-    {"OrdersSmall", "bench/orders.xsd", "tests/codegen/data/orders/small.xml", Orders()},
-    {"BadOrdersZip", "bench/orders.xsd", "tests/codegen/data/orders/bad_zip.xml", Orders()},
-    {"BadOrdersQuantity", "bench/orders.xsd", "tests/codegen/data/orders/bad_quantity.xml", Orders()},
-    {"BadOrdersMissingChoice", "bench/orders.xsd", "tests/codegen/data/orders/bad_choice.xml", Orders()},
-    {"ConstructsFull", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/valid_full.xml", Constructs()},
+    {"OrdersBook", "bench/orders.xsd", "examples/data/orders.xml", Orders(), example_orders::ReadBuffer},
+    {"OrdersSmall", "bench/orders.xsd", "tests/codegen/data/orders/small.xml", Orders(), example_orders::ReadBuffer},
+    {"BadOrdersZip", "bench/orders.xsd", "tests/codegen/data/orders/bad_zip.xml", Orders(), example_orders::ReadBuffer},
+    {"BadOrdersQuantity", "bench/orders.xsd", "tests/codegen/data/orders/bad_quantity.xml", Orders(), example_orders::ReadBuffer},
+    {"BadOrdersMissingChoice", "bench/orders.xsd", "tests/codegen/data/orders/bad_choice.xml", Orders(), example_orders::ReadBuffer},
+    {"ConstructsFull", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/valid_full.xml", Constructs(), example_com_codegen_constructs::ReadBuffer},
     {"ConstructsLabelDefault", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/label_default.xml",
-     Constructs()},
-    {"BadLabel", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/label_bad.xml", Constructs()},
-    {"BadPattern", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_pattern.xml", Constructs()},
+     Constructs(), example_com_codegen_constructs::ReadBuffer},
+    {"BadLabel", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/label_bad.xml", Constructs(), example_com_codegen_constructs::ReadBuffer},
+    {"BadPattern", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_pattern.xml", Constructs(), example_com_codegen_constructs::ReadBuffer},
     {"BadEnumeration", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_enumeration.xml",
-     Constructs()},
+     Constructs(), example_com_codegen_constructs::ReadBuffer},
     {"BadListLength", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_list_length.xml",
-     Constructs()},
-    {"BadUnion", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_union.xml", Constructs()},
-    {"BadFixed", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_fixed.xml", Constructs()},
+     Constructs(), example_com_codegen_constructs::ReadBuffer},
+    {"BadUnion", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_union.xml", Constructs(), example_com_codegen_constructs::ReadBuffer},
+    {"BadFixed", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_fixed.xml", Constructs(), example_com_codegen_constructs::ReadBuffer},
     {"BadEmptyChoice", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_empty_choice.xml",
-     Constructs()},
-    {"BadText", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_text.xml", Constructs()},
-    {"BadPositive", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_positive.xml", Constructs()},
-    {"BadRoot", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_root.xml", Constructs()},
-    {"BadXsiType", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_xsi_type.xml", Constructs()},
+     Constructs(), example_com_codegen_constructs::ReadBuffer},
+    {"BadText", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_text.xml", Constructs(), example_com_codegen_constructs::ReadBuffer},
+    {"BadPositive", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_positive.xml", Constructs(), example_com_codegen_constructs::ReadBuffer},
+    {"BadRoot", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_root.xml", Constructs(), example_com_codegen_constructs::ReadBuffer},
+    {"BadXsiType", "tests/codegen/data/constructs.xsd", "tests/codegen/data/constructs/bad_xsi_type.xml", Constructs(), example_com_codegen_constructs::ReadBuffer},
+    {"NamesTwoNamespaces", "tests/codegen/data/names.xsd", "tests/codegen/data/names/valid.xml", Names(),
+     class_ns::ReadBuffer},
+    {"NamesOtherRoot", "tests/codegen/data/names.xsd", "tests/codegen/data/names/other_root.xml", Names(),
+     class_ns::ReadBuffer},
+    {"BadNamesInt", "tests/codegen/data/names.xsd", "tests/codegen/data/names/bad_int.xml", Names(), class_ns::ReadBuffer},
 };
 
 INSTANTIATE_TEST_SUITE_P(Instances, GeneratedVsDynamic, ::testing::ValuesIn(kCases),
