@@ -28,6 +28,7 @@
 #include "qmxml/writer/xml_writer.h"
 
 #include "qmxml/collections/class_collection.h"
+#include "qmxml/collections/factory_class_collection.h"
 #include "qmxml/collections/element.h"
 #include "qmxml/collections/primitive_collections.h"
 #include "qmxml/collections/type_collection.h"

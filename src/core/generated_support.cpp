@@ -173,7 +173,16 @@ namespace {
 
 constexpr const char* kXsiNamespace = "http://www.w3.org/2001/XMLSchema-instance";
 
-CSmartPtr<CXmlGeneratedClass> BindRoot(const CRootElement* roots, std::size_t count, CXmlDocument& document,
+// The local part of the element's xsi:type, or null without one.
+const CXmlAttribute* FindXsiType(const CXmlElement* element) {
+    for (const CXmlAttribute* attribute : element->GetAttributes()) {
+        if (attribute->GetLocalName() == "type" && attribute->GetNamespaceURI() == kXsiNamespace) return attribute;
+    }
+    return nullptr;
+}
+
+CSmartPtr<CXmlGeneratedClass> BindRoot(const CRootElement* roots, std::size_t count,
+                                       const QmXmlLib10Data::IClassFactory& factory, CXmlDocument& document,
                                        const CXmlSerializationContext& ctx) {
     const CXmlElement* root = document.GetDocumentElement();
     if (root == nullptr) throw CQmException("Invalid or empty XML document");
@@ -188,20 +197,11 @@ CSmartPtr<CXmlGeneratedClass> BindRoot(const CRootElement* roots, std::size_t co
         throw CQmValidationException(
             FormatString("No global element declaration for the root element [%s]", name.c_str()));
     }
-    bool refused = entry->isAbstract;
-    for (const CXmlAttribute* attribute : root->GetAttributes()) {
-        if (attribute->GetLocalName() != "type" || attribute->GetNamespaceURI() != kXsiNamespace) continue;
-        // Prefixes cannot be resolved on the tree: the local part names the type.
-        const std::string& value = attribute->GetValue();
-        const std::size_t colon = value.find(':');
-        const std::string local = colon == std::string::npos ? value : value.substr(colon + 1);
-        refused = refused || entry->typeName == nullptr || local != entry->typeName;
-    }
-    if (refused) {
+    CSmartPtr<CXmlObjectBase> made = factory.CreateForElement(entry->substitution, const_cast<CXmlElement*>(root));
+    if (!made) {
         throw CQmValidationException(FormatString(
             "The root element [%s] is abstract, or its xsi:type names no type it may take", name.c_str()));
     }
-    CSmartPtr<CXmlObjectBase> made = entry->create();
     CSmartPtr<CXmlGeneratedClass> object(static_cast<CXmlGeneratedClass*>(made.Get()));
     CXmlObjectAccess::SetElementName(object, root->GetLocalName().c_str());
     object->FromXmlElement(root, ctx);
@@ -210,11 +210,44 @@ CSmartPtr<CXmlGeneratedClass> BindRoot(const CRootElement* roots, std::size_t co
 
 }  // namespace
 
-CSmartPtr<CXmlGeneratedClass> CreateRootElement(const CRootElement* roots, std::size_t count, const std::string& ns,
+void CRetypableClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName,
+                                const CXmlSerializationContext& ctx, bool asChoiceMember) const {
+    const std::string typeName = isRoot && ctx.GetWriteTypeAttribute() ? GetTypeName() : std::string();
+    WriteObject(writer, isRoot, elementName, ctx, asChoiceMember, typeName.empty() ? nullptr : typeName.c_str());
+}
+
+CSmartPtr<CXmlObjectBase> CreateSubstitute(const CXmlElement* element, const CSubstitutionTable& table,
+                                           CSmartPtr<CXmlObjectBase> (*create)(int classIndex, const char* name)) {
+    if (element == nullptr) return nullptr;
+    const CXmlAttribute* xsiType = FindXsiType(element);
+    std::string local;
+    if (xsiType != nullptr) {
+        const std::string& value = xsiType->GetValue();
+        const std::size_t colon = value.find(':');
+        local = colon == std::string::npos ? value : value.substr(colon + 1);
+    }
+    int chosen = -1;
+    for (std::size_t i = 0; i < table.count; ++i) {
+        const CSubstitute& row = table.rows[i];
+        if (element->GetLocalName() != row.localName || element->GetNamespaceURI() != row.ns) continue;
+        const bool matches = xsiType == nullptr ? row.typeName == nullptr : (row.typeName != nullptr && local == row.typeName);
+        if (matches) {
+            chosen = row.classIndex;
+            break;
+        }
+    }
+    if (chosen < 0) return nullptr;
+    CSmartPtr<CXmlObjectBase> made = create(chosen, element->GetLocalName().c_str());
+    if (auto* retypable = dynamic_cast<CRetypableClass*>(made.Get())) retypable->SetRetyped(chosen != table.declaredClass);
+    return made;
+}
+
+CSmartPtr<CXmlGeneratedClass> CreateRootElement(const CRootElement* roots, std::size_t count,
+                                                const QmXmlLib10Data::IClassFactory& factory, const std::string& ns,
                                                 const std::string& localName) {
     for (std::size_t i = 0; i < count; ++i) {
         if (localName != roots[i].localName || ns != roots[i].ns) continue;
-        CSmartPtr<CXmlObjectBase> made = roots[i].create();
+        CSmartPtr<CXmlObjectBase> made = factory.CreateMember(roots[i].classIndex, localName.c_str());
         CSmartPtr<CXmlGeneratedClass> object(static_cast<CXmlGeneratedClass*>(made.Get()));
         CXmlObjectAccess::SetElementName(object, localName.c_str());
         return object;
@@ -222,20 +255,22 @@ CSmartPtr<CXmlGeneratedClass> CreateRootElement(const CRootElement* roots, std::
     return CSmartPtr<CXmlGeneratedClass>();
 }
 
-CSmartPtr<CXmlGeneratedClass> ReadRootFile(const CRootElement* roots, std::size_t count, const std::string& path,
+CSmartPtr<CXmlGeneratedClass> ReadRootFile(const CRootElement* roots, std::size_t count,
+                                           const QmXmlLib10Data::IClassFactory& factory, const std::string& path,
                                            const CXmlSerializationContext& ctx) {
     CXmlDocument document(ctx);
     document.Load(path.c_str());
-    return BindRoot(roots, count, document, ctx);
+    return BindRoot(roots, count, factory, document, ctx);
 }
 
-CSmartPtr<CXmlGeneratedClass> ReadRootBuffer(const CRootElement* roots, std::size_t count, const void* data,
+CSmartPtr<CXmlGeneratedClass> ReadRootBuffer(const CRootElement* roots, std::size_t count,
+                                             const QmXmlLib10Data::IClassFactory& factory, const void* data,
                                              std::size_t size, const CXmlSerializationContext& ctx) {
     if (size > 0xffffffffu) throw CQmInvalidParamException("The document is larger than 4 GiB");
     std::string copy(static_cast<const char*>(data), size);
     CXmlDocument document(ctx);
     document.LoadXmlStream(reinterpret_cast<unsigned char*>(&copy[0]), static_cast<std::uint32_t>(copy.size()));
-    return BindRoot(roots, count, document, ctx);
+    return BindRoot(roots, count, factory, document, ctx);
 }
 
 // ------------------------------------------------------------------ enumerations

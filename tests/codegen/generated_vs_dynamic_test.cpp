@@ -11,6 +11,7 @@
 #include "constructs/constructs.h"
 #include "names/names.h"
 #include "orders/orders.h"
+#include "substitution/substitution.h"
 #include "qmxml/schema/dynamic_classes.h"
 
 using namespace QmXmlLib10;
@@ -37,6 +38,9 @@ Reader Orders() {
 }
 Reader Constructs() {
     return [](const std::string& path) { return example_com_codegen_constructs::ReadFile(path); };
+}
+Reader Shapes() {
+    return [](const std::string& path) { return codegen_shapes::ReadFile(path); };
 }
 Reader Names() {
     return [](const std::string& path) { return class_ns::ReadFile(path); };
@@ -122,6 +126,18 @@ const Case kCases[] = {
     {"NamesOtherRoot", "tests/codegen/data/names.xsd", "tests/codegen/data/names/other_root.xml", Names(),
      class_ns::ReadBuffer},
     {"BadNamesInt", "tests/codegen/data/names.xsd", "tests/codegen/data/names/bad_int.xml", Names(), class_ns::ReadBuffer},
+    {"Substitution", "tests/codegen/data/substitution.xsd", "tests/codegen/data/substitution/valid.xml", Shapes(),
+     codegen_shapes::ReadBuffer},
+    {"BadAbstractElement", "tests/codegen/data/substitution.xsd", "tests/codegen/data/substitution/bad_abstract_element.xml", Shapes(),
+     codegen_shapes::ReadBuffer},
+    {"BadBlocked", "tests/codegen/data/substitution.xsd", "tests/codegen/data/substitution/bad_blocked.xml", Shapes(),
+     codegen_shapes::ReadBuffer},
+    {"BadAbstractType", "tests/codegen/data/substitution.xsd", "tests/codegen/data/substitution/bad_abstract_type.xml", Shapes(),
+     codegen_shapes::ReadBuffer},
+    {"RootRetyped", "tests/codegen/data/substitution.xsd", "tests/codegen/data/substitution/root_retyped.xml", Shapes(),
+     codegen_shapes::ReadBuffer},
+    {"BadRootType", "tests/codegen/data/substitution.xsd", "tests/codegen/data/substitution/bad_root_type.xml", Shapes(),
+     codegen_shapes::ReadBuffer},
 };
 
 INSTANTIATE_TEST_SUITE_P(Instances, GeneratedVsDynamic, ::testing::ValuesIn(kCases),
@@ -183,6 +199,22 @@ TEST(GeneratedClasses, ValuesWithoutACppTypeAndNilAreVariants) {
     } catch (const CQmValidationException& e) {
         EXPECT_EQ(e.GetFullMessage(), "Invalid Value for code [A1]");
     }
+}
+
+TEST(GeneratedClasses, SubstitutedMembersHoldTheClassTheElementPicks) {
+    auto read = codegen_shapes::ReadFile(kData + "substitution/valid.xml");
+    auto* drawing = dynamic_cast<codegen_shapes::Cdrawing*>(read.Get());
+    ASSERT_NE(drawing, nullptr);
+    ASSERT_EQ(drawing->GetShape()->GetCount(), 3);
+    auto* square = dynamic_cast<codegen_shapes::CSquare*>(drawing->GetShape()->GetItem(1).Get());
+    ASSERT_NE(square, nullptr);
+    EXPECT_EQ(square->GetSide(), 2);
+    // A square where the element's own type is Shape: written back with its xsi:type.
+    auto* first = dynamic_cast<codegen_shapes::CSquare*>(drawing->GetFirst());
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first->GetTypeName(), "Square");
+    const std::string text = drawing->ToXml(false, false);
+    EXPECT_NE(text.find(":type=\"Square\"><name>f</name>"), std::string::npos) << text;
 }
 
 }  // namespace

@@ -306,6 +306,26 @@ std::string DescriptionCode(const CSimpleTypeDescription& d) {
     return o.str();
 }
 
+// The derivation methods on the way from `derived` up to `base` (lists and
+// unions count as restriction), as the dynamic classes' factory walks them.
+unsigned DerivationMethods(const CTypeDefinition* derived, const CTypeDefinition* base) {
+    unsigned methods = Derivation_None;
+    for (int guard = 0; derived != nullptr && derived != base && guard < 10000; ++guard) {
+        methods |= derived->derivationMethod == Derivation_Extension ? Derivation_Extension : Derivation_Restriction;
+        if (derived->baseType == derived) break;
+        derived = derived->baseType;
+    }
+    return methods;
+}
+
+unsigned ProhibitedBy(const CTypeDefinition* type) {
+    return type != nullptr && !type->IsSimple() ? static_cast<const CComplexType*>(type)->block : Derivation_None;
+}
+
+bool IsAbstractType(const CTypeDefinition* type) {
+    return type != nullptr && !type->IsSimple() && static_cast<const CComplexType*>(type)->abstract;
+}
+
 struct Member {
     const CPropertyDescription* p = nullptr;
     const CPropertyRuntime* r = nullptr;
@@ -370,10 +390,6 @@ private:
                 Unsupported("the wildcard of class " + d.name + " checks its content (processContents strict or lax)");
             for (std::size_t k = 0; k < d.properties.size(); ++k) {
                 const CPropertyDescription& p = d.properties[k];
-                const CPropertyRuntime& r = m_mapped.runtime[i].properties[k];
-                if (r.substitution >= 0)
-                    Unsupported("member " + p.name + " of class " + d.name +
-                                " may be substituted (substitution group, abstract element or type, or derived types)");
                 if (p.kind == CPropertyDescription::Kind::Collection && p.source != CPropertyDescription::Source::Wildcard &&
                     p.classIndex < 0 && p.simpleType == nullptr)
                     Unsupported("the repeating element " + p.name + " of type anyType in class " + d.name);
@@ -518,6 +534,10 @@ private:
 
     // ---------------------------------------------------------------- members
 
+    std::string ObjectType(const Member& m) const {
+        return m.r->substitution >= 0 ? "QmXmlLib10::CXmlGeneratedClass" : Qualified(m.p->classIndex);
+    }
+
     void BuildMembers(ClassOut& c) {
         std::set<std::string> used;
         for (std::size_t i = 0; i < c.d->properties.size(); ++i) {
@@ -551,7 +571,8 @@ private:
                     break;
                 }
                 case CPropertyDescription::Kind::Object:
-                    m.type = "QmXmlLib10::CSmartPtr<" + Qualified(p.classIndex) + ">";
+                    // A substitutable member holds whichever class the element picks.
+                    m.type = "QmXmlLib10::CSmartPtr<" + ObjectType(m) + ">";
                     m.access = m.field;
                     break;
                 case CPropertyDescription::Kind::Element:
@@ -565,6 +586,8 @@ private:
                 case CPropertyDescription::Kind::Collection:
                     if (p.source == CPropertyDescription::Source::Wildcard) {
                         m.type = "QmXmlLib10::CSmartPtr<QmXmlLib10::CElementCol>";
+                    } else if (m.r->substitution >= 0) {
+                        m.type = "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlFactoryClassCollection>";
                     } else if (p.classIndex >= 0) {
                         m.type = "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlClassCollection<" + Qualified(p.classIndex) + ">>";
                     } else {
@@ -629,7 +652,9 @@ private:
         std::ostringstream o;
         o << "// ---------------------------------------------------------------- " << c.d->name << "\n\n";
         o << ClassComment(c);
-        o << "class " << c.name << " : public QmXmlLib10::CXmlGeneratedClass {\npublic:\n";
+        const bool retypable = !c.d->typeName.IsEmpty();
+        o << "class " << c.name << " : public QmXmlLib10::"
+          << (retypable ? "Generated::CRetypableClass" : "CXmlGeneratedClass") << " {\npublic:\n";
         if (!c.members.empty()) {
             o << "    enum Property {";
             for (std::size_t i = 0; i < c.members.size(); ++i) o << (i ? ", " : " ") << "P_" << c.members[i].cppName;
@@ -641,6 +666,11 @@ private:
              "    QmXmlLib10Data::CParentElementInfo* GetClassInfo() const override { return s_classInfo; }\n"
              "    QmXmlLib10Data::CElementInfo** GetClassElementInfo() const override { return s_elementInfo; }\n"
              "    QmXmlLib10Data::CAttributeInfo** GetClassAttributeInfo() const override { return s_attributeInfo; }\n";
+        if (retypable) {
+            o << "    // Written as xsi:type when the object stands for a member of another class.\n"
+              << "    std::string GetTypeName() const override { return IsRetyped() ? " << Literal(c.d->typeName.local)
+              << " : std::string(); }\n";
+        }
         for (const Member& m : c.members) {
             o << "\n";
             const CPropertyDescription& p = *m.p;
@@ -667,8 +697,8 @@ private:
                     }
                     break;
                 case CPropertyDescription::Kind::Object:
-                    o << "    " << Qualified(p.classIndex) << "* Get" << n << "() const { return " << m.field << "; }\n";
-                    o << "    void Set" << n << "(" << Qualified(p.classIndex) << "* value);\n";
+                    o << "    " << ObjectType(m) << "* Get" << n << "() const { return " << m.field << "; }\n";
+                    o << "    void Set" << n << "(" << ObjectType(m) << "* value);\n";
                     break;
                 case CPropertyDescription::Kind::Element:
                     o << "    QmXmlLib10::CElement* Get" << n << "() const { return " << m.field << "; }\n";
@@ -779,6 +809,10 @@ private:
                       << (r.itemElementType == XmlElementType_InlineChoice ? "\"Choice\"" : "\"Sequence\"") << ", "
                       << Literal(c.d->elementNamespace) << ", " << idx << ", " << ElementTypeName(r.itemElementType)
                       << ", &::" << m_setNamespace << "::CreateObject, " << p.classIndex << ", false)";
+                } else if (r.substitution >= 0) {
+                    o << "new " << kind("CElementInfoAbsCls") << "(" << name << ", " << ns << ", " << idx
+                      << ", QmXmlLib10::XmlElementType_Element, ::" << m_setNamespace << "::ClassFactory(), "
+                      << r.substitution << ")";
                 } else {
                     o << "new " << kind("CElementInfoCls") << "(" << name << ", " << ns << ", " << idx
                       << ", QmXmlLib10::XmlElementType_Element, &::" << m_setNamespace << "::CreateObject, "
@@ -887,6 +921,11 @@ private:
                         o << "    QmXmlLib10::Generated::ResetCollection(" << m.field << ", \"AnyElement\", "
                           << Literal(m.r->restriction) << ", " << Literal(m.r->restrictionNamespace) << ", " << minO
                           << ", " << maxO << ");\n";
+                    } else if (m.r->substitution >= 0) {
+                        o << "    QmXmlLib10::Generated::ResetCollection(" << m.field << ", ::" << m_setNamespace
+                          << "::ClassFactory(), " << p.classIndex << ", " << m.r->substitution << ", false, "
+                          << Literal(p.elementName.local) << ", " << Literal(p.elementName.ns) << ", " << minO << ", "
+                          << maxO << ");\n";
                     } else if (p.classIndex >= 0) {
                         const bool inlined = m.r->itemElementType != XmlElementType_Element;
                         o << "    QmXmlLib10::Generated::ResetCollection(" << m.field << ", "
@@ -909,7 +948,7 @@ private:
         for (const Member& m : c.members) {
             const CPropertyDescription& p = *m.p;
             if (p.kind == CPropertyDescription::Kind::Object) {
-                o << "\nvoid " << n << "::Set" << m.cppName << "(" << Qualified(p.classIndex) << "* value) {\n";
+                o << "\nvoid " << n << "::Set" << m.cppName << "(" << ObjectType(m) << "* value) {\n";
                 if (!p.optional) o << "    Throw_IfPropertyIsNull(value, " << Literal(p.name) << ");\n";
                 o << "    " << m.field << " = value;\n}\n";
             }
@@ -970,7 +1009,10 @@ private:
         for (const auto& ns : m_namespaceOrder) o << "#include \"" << FileOf(ns) << ".h\"\n";
         o << "\n" << NamespaceOpen(m_setNamespace) << "\n";
         o << "// The class factory the metadata calls: the class of an index, null outside them.\n"
-             "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlObjectBase> CreateObject(int classIndex, const char* elementName);\n\n"
+             "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlObjectBase> CreateObject(int classIndex, const char* elementName);\n"
+             "// The same with the substitutions of the set's substitutable members (the\n"
+             "// metadata of those members, their collections and the root elements use it).\n"
+             "const QmXmlLib10Data::IClassFactory* ClassFactory();\n\n"
              "// The object for a document whose root element has this name (null when no\n"
              "// global element of the schema set has it), ready to read or fill and write.\n"
              "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlGeneratedClass> CreateRootObject(const std::string& ns,\n"
@@ -989,6 +1031,72 @@ private:
         return o.str();
     }
 
+    // The rows of one member's table: every element that may stand for the
+    // declared one, without and with each xsi:type it may carry.
+    std::vector<std::string> SubstituteRows(const CSubstitutableMember& member) const {
+        std::vector<std::string> rows;
+        const CElementDeclaration* declared = member.element;
+        if (declared == nullptr) return rows;
+        const CTypeDefinition* anyType = m_set.GetAnyType();
+        const CTypeDefinition* declaredType = declared->type ? declared->type : anyType;
+        std::vector<const CElementDeclaration*> candidates{declared};
+        for (const CElementDeclaration* global : m_set.GetElements()) {
+            if (global == declared) continue;
+            const CElementDeclaration* head = global->substitutionGroupHead;
+            bool reaches = false;
+            for (int guard = 0; head != nullptr && guard < 10000 && !reaches; ++guard) {
+                reaches = head == declared;
+                head = head->substitutionGroupHead;
+            }
+            if (!reaches) continue;
+            const CTypeDefinition* actualType = global->type ? global->type : anyType;
+            const unsigned blocked = declared->block | ProhibitedBy(declaredType);
+            if ((blocked & Derivation_Substitution) != 0 || (blocked & DerivationMethods(actualType, declaredType)) != 0)
+                continue;
+            candidates.push_back(global);
+        }
+        auto row = [&](const CElementDeclaration* e, const char* typeName, int classIndex) {
+            rows.push_back("    {" + Literal(e->name.ns) + ", " + Literal(e->name.local) + ", " +
+                           (typeName ? Literal(typeName) : std::string("nullptr")) + ", " + std::to_string(classIndex) +
+                           "},\n");
+        };
+        auto classOf = [&](const CTypeDefinition* type, const std::string& ns) {
+            const auto found = m_mapped.typeClasses.find({type, ns});
+            return found == m_mapped.typeClasses.end() ? -1 : found->second;
+        };
+        for (const CElementDeclaration* actual : candidates) {
+            if (actual->abstract) continue;  // never an element of a document
+            const CTypeDefinition* type = actual->type ? actual->type : anyType;
+            int plain = actual == declared ? member.classIndex : classOf(type, actual->name.ns);
+            if (IsAbstractType(type)) plain = -1;
+            row(actual, nullptr, plain);
+            const int base = classOf(type, actual->name.ns);
+            if (base < 0) continue;
+            // Each name xsi:type may give, first match first, as the factory looks them up.
+            std::vector<std::pair<std::string, const CTypeDefinition*>> named;
+            auto add = [&](const std::string& local, const CTypeDefinition* t) {
+                if (local.empty()) return;
+                for (const auto& n : named)
+                    if (n.first == local) return;
+                named.emplace_back(local, t);
+            };
+            const CClassDescription& baseClass = *m_mapped.classes[static_cast<std::size_t>(base)];
+            add(baseClass.typeName.local, type);
+            for (const int derived : baseClass.derivedClasses)
+                add(m_mapped.classes[static_cast<std::size_t>(derived)]->typeName.local,
+                    m_mapped.classTypes[static_cast<std::size_t>(derived)]);
+            for (const auto& n : named) {
+                int chosen = -1;
+                const bool blocked = ((actual->block | ProhibitedBy(type)) & DerivationMethods(n.second, type)) != 0;
+                if (!blocked && !IsAbstractType(n.second)) {
+                    chosen = actual == declared && n.second == type ? member.classIndex : classOf(n.second, actual->name.ns);
+                }
+                row(actual, n.first.c_str(), chosen);
+            }
+        }
+        return rows;
+    }
+
     std::string SetSource() const {
         std::ostringstream o;
         o << Banner() << "#include \"" << m_stem << ".h\"\n\n" << NamespaceOpen(m_setNamespace) << "\n";
@@ -1001,17 +1109,47 @@ private:
             o << ">(classIndex);\n}\n\n";
         }
         o << "namespace {\n\n";
+        // What each substitutable member's factory does, settled here from
+        // the schema as the dynamic classes settle it per element.
+        const auto& members = m_mapped.substitutable;
+        for (std::size_t i = 0; i < members.size(); ++i) {
+            o << "const QmXmlLib10::Generated::CSubstitute kSubstitutes" << i << "[] = {\n";
+            const std::vector<std::string> rows = SubstituteRows(members[i]);
+            for (const auto& row : rows) o << row;
+            if (rows.empty()) o << "    {\"\", \"\", nullptr, -1},\n";
+            o << "};\n";
+        }
+        o << "\n";
+        if (members.empty()) {
+            o << "const QmXmlLib10::Generated::CSubstitutionTable* const kSubstitutions = nullptr;\n";
+        } else {
+            o << "const QmXmlLib10::Generated::CSubstitutionTable kSubstitutions[] = {\n";
+            for (std::size_t i = 0; i < members.size(); ++i)
+                o << "    {kSubstitutes" << i << ", sizeof kSubstitutes" << i << " / sizeof kSubstitutes" << i << "[0], "
+                  << members[i].classIndex << "},\n";
+            o << "};\n";
+        }
+        o << "constexpr int kSubstitutionCount = " << members.size() << ";\n\n";
+        o << "class CClassFactory final : public QmXmlLib10Data::IClassFactory {\n"
+             "public:\n"
+             "    constexpr CClassFactory() noexcept {}\n"
+             "    QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlObjectBase> CreateMember(int classIndex,\n"
+             "                                                               const char* elementName) const override {\n"
+             "        return CreateObject(classIndex, elementName);\n"
+             "    }\n"
+             "    QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlObjectBase> CreateForElement(int index,\n"
+             "                                                                   QmXmlLib10::CXmlElement* element) const override {\n"
+             "        if (index < 0 || index >= kSubstitutionCount) return nullptr;\n"
+             "        return QmXmlLib10::Generated::CreateSubstitute(element, kSubstitutions[index], &CreateObject);\n"
+             "    }\n"
+             "};\n"
+             "constexpr CClassFactory kClassFactory;\n\n";
         std::vector<std::string> rows;
         for (const auto& root : m_mapped.roots) {
-            const CElementDeclaration* e = m_set.FindElement(CQName{root.first.first, root.first.second});
-            const CClassDescription& d = *m_mapped.classes[static_cast<std::size_t>(root.second)];
-            bool isAbstract = e != nullptr && e->abstract;
-            const CTypeDefinition* type = e != nullptr ? e->type : nullptr;
-            if (type != nullptr && !type->IsSimple() && static_cast<const CComplexType*>(type)->abstract) isAbstract = true;
+            const auto member = m_mapped.rootMembers.find(root.first);
             rows.push_back("    {" + Literal(root.first.first) + ", " + Literal(root.first.second) + ", " +
-                           (d.typeName.IsEmpty() ? std::string("nullptr") : Literal(d.typeName.local)) + ", " +
-                           (isAbstract ? "true" : "false") + ", &QmXmlLib10::Generated::CreateNew<" +
-                           Qualified(root.second) + ">},\n");
+                           std::to_string(root.second) + ", " +
+                           std::to_string(member == m_mapped.rootMembers.end() ? -1 : member->second) + "},\n");
         }
         if (rows.empty()) {
             o << "const QmXmlLib10::Generated::CRootElement* const kRoots = nullptr;\nconstexpr std::size_t kRootCount = 0;\n";
@@ -1023,13 +1161,14 @@ private:
         o << "\n}  // namespace\n\n";
         o << "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlGeneratedClass> CreateRootObject(const std::string& ns,\n"
              "                                                                    const std::string& localName) {\n"
-             "    return QmXmlLib10::Generated::CreateRootElement(kRoots, kRootCount, ns, localName);\n}\n\n"
+             "    return QmXmlLib10::Generated::CreateRootElement(kRoots, kRootCount, kClassFactory, ns, localName);\n}\n\n"
              "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlGeneratedClass> ReadFile(const std::string& path,\n"
              "                                                            const QmXmlLib10::CXmlSerializationContext& ctx) {\n"
-             "    return QmXmlLib10::Generated::ReadRootFile(kRoots, kRootCount, path, ctx);\n}\n\n"
+             "    return QmXmlLib10::Generated::ReadRootFile(kRoots, kRootCount, kClassFactory, path, ctx);\n}\n\n"
              "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlGeneratedClass> ReadBuffer(const void* data, std::size_t size,\n"
              "                                                              const QmXmlLib10::CXmlSerializationContext& ctx) {\n"
-             "    return QmXmlLib10::Generated::ReadRootBuffer(kRoots, kRootCount, data, size, ctx);\n}\n\n";
+             "    return QmXmlLib10::Generated::ReadRootBuffer(kRoots, kRootCount, kClassFactory, data, size, ctx);\n}\n\n";
+        o << "const QmXmlLib10Data::IClassFactory* ClassFactory() { return &kClassFactory; }\n\n";
         o << "void CleanMetaData() {\n";
         if (!m_classes.empty()) {
             o << "    QmXmlLib10::Generated::CleanClassMetaData<";

@@ -25,6 +25,7 @@
 #include "qmxml/collections/class_collection.h"
 #include "qmxml/core/generated_class.h"
 #include "qmxml/core/smart_ptr.h"
+#include "qmxml/metadata/element_infos.h"
 #include "qmxml/types/binary_data.h"
 #include "qmxml/types/big_integer.h"
 #include "qmxml/types/date_time.h"
@@ -463,32 +464,76 @@ void CheckNoTextContent(const CXmlElement* parent);
 void CheckInlineChoiceRead(CXmlGeneratedClass& choice, int propertyCount, const CXmlElement* parent,
                            const CXmlSerializationContext& ctx);
 
-// A global element of a schema set as a document's root: its name, its
-// type's name for xsi:type (null for an anonymous type), whether it cannot
-// be a root (an abstract element or type), and its class.
-struct CRootElement {
+// A generated class that may stand for a member declared with another class
+// (a substitution group member's class, or a type xsi:type names): such an
+// object is written with its type name as xsi:type, as the dynamic classes
+// write theirs. The set's factory marks it when it picks the class.
+class CRetypableClass : public CXmlGeneratedClass {
+public:
+    void SetRetyped(bool retyped) { m_retyped = retyped; }
+    bool IsRetyped() const { return m_retyped; }
+
+protected:
+    // A root read through xsi:type writes it back (members' xsi:type is their info's business).
+    void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
+                   bool asChoiceMember) const override;
+
+private:
+    bool m_retyped = false;
+};
+
+// One element a substitutable member may meet, with or without an xsi:type
+// naming typeName (null: no xsi:type), and the class it then gets: -1 when
+// the schema refuses it (abstract, blocked). Elements or types not listed
+// are refused too.
+struct CSubstitute {
     const char* ns;
     const char* localName;
     const char* typeName;
-    bool isAbstract;
-    CSmartPtr<CXmlObjectBase> (*create)();
+    int classIndex;
+};
+// The substitutes of one member, and the class it is declared with.
+struct CSubstitutionTable {
+    const CSubstitute* rows;
+    std::size_t count;
+    int declaredClass;
+};
+
+// The object for an element of a substitutable member (see CSubstitute),
+// made by create and marked retyped when its class is not the declared one;
+// null when the table refuses the element. xsi:type values are matched by
+// local name (the document tree keeps no prefixes to resolve).
+CSmartPtr<CXmlObjectBase> CreateSubstitute(const CXmlElement* element, const CSubstitutionTable& table,
+                                           CSmartPtr<CXmlObjectBase> (*create)(int classIndex, const char* name));
+
+// A global element of a schema set as a document's root: its name, its class
+// and its member in the set's factory (whose CreateForElement settles
+// xsi:type and abstractness for it as for any substitutable member).
+struct CRootElement {
+    const char* ns;
+    const char* localName;
+    int classIndex;
+    int substitution;
 };
 
 // The object for a root element of this name from the table, its element
 // name set; null when the table has no such element.
-CSmartPtr<CXmlGeneratedClass> CreateRootElement(const CRootElement* roots, std::size_t count, const std::string& ns,
+CSmartPtr<CXmlGeneratedClass> CreateRootElement(const CRootElement* roots, std::size_t count,
+                                                const QmXmlLib10Data::IClassFactory& factory, const std::string& ns,
                                                 const std::string& localName);
 
 // Reads a document into the object of the root element the table names for
 // its document element, as the schema layer's dynamic classes read it. A root
 // the table lacks throws CQmValidationException "No global element
 // declaration for the root element [%s]" ({ns}local, or the local name alone
-// in no namespace); an abstract one, or one whose xsi:type names another type
-// than its own, "The root element [%s] is abstract, or its xsi:type names no
-// type it may take"; every other failure is the runtime's.
-CSmartPtr<CXmlGeneratedClass> ReadRootFile(const CRootElement* roots, std::size_t count, const std::string& path,
+// in no namespace); one the factory refuses (abstract, or an xsi:type naming
+// no type it may take) "The root element [%s] is abstract, or its xsi:type
+// names no type it may take"; every other failure is the runtime's.
+CSmartPtr<CXmlGeneratedClass> ReadRootFile(const CRootElement* roots, std::size_t count,
+                                           const QmXmlLib10Data::IClassFactory& factory, const std::string& path,
                                            const CXmlSerializationContext& ctx);
-CSmartPtr<CXmlGeneratedClass> ReadRootBuffer(const CRootElement* roots, std::size_t count, const void* data,
+CSmartPtr<CXmlGeneratedClass> ReadRootBuffer(const CRootElement* roots, std::size_t count,
+                                             const QmXmlLib10Data::IClassFactory& factory, const void* data,
                                              std::size_t size, const CXmlSerializationContext& ctx);
 
 // ------------------------------------------------------------------ equality
