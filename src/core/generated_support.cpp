@@ -128,7 +128,7 @@ CXmlElement* CMandatoryInlineChoice::FromXml_Int(CXmlElement* parent, CXmlElemen
 
 // ------------------------------------------------------------------ schema-derived classes
 
-const CPrimitiveRestrictions kNoFacets;
+const CPrimitiveRestrictions kNoRestrictions;
 
 CPrimitiveRestrictions FacetsWithRule(std::shared_ptr<const CValueRule> rule) {
     CPrimitiveRestrictions facets;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <memory>
 #include <string>
 
@@ -30,6 +31,9 @@ struct Case {
     Reader read;          // the generated set's ReadFile
     BufferReader readBuffer;
 };
+
+// ctest lists parameters by their name, not their bytes.
+void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
 
 const std::string kData = QMXML_SOURCE_DIR "/tests/codegen/data/";
 

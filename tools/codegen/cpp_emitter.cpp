@@ -521,7 +521,7 @@ private:
     // The facets constant (in the class's namespace source) of a value.
     std::string FacetsFor(const std::string& ns, const CSimpleType* type, const CValueConstraint* fixed) {
         const CSimpleTypeDescription description = DescribeSimpleType(type, fixed);
-        if (CSimpleTypeRule::Make(description) == nullptr) return "QmXmlLib10::Generated::kNoFacets";
+        if (CSimpleTypeRule::Make(description) == nullptr) return "QmXmlLib10::Generated::kNoRestrictions";
         const std::string code = DescriptionCode(description);
         auto& rules = m_rules[ns];
         const auto found = rules.find(code);
@@ -566,7 +566,7 @@ private:
                     if (p.simpleType != nullptr) {
                         m.facets = FacetsFor(c.ns, p.simpleType, FixedOf(*c.d, p));
                     } else {
-                        m.facets = "QmXmlLib10::Generated::kNoFacets";
+                        m.facets = "QmXmlLib10::Generated::kNoRestrictions";
                     }
                     break;
                 }

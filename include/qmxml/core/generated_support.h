@@ -443,7 +443,7 @@ void ResetValueCollection(CSmartPtr<Col>& field, const char* name, const char* n
 }
 
 // The facets of a member without any.
-extern const CPrimitiveRestrictions kNoFacets;
+extern const CPrimitiveRestrictions kNoRestrictions;
 
 // Facets that hold a schema rule alone (schema-derived members check every
 // facet through it).
