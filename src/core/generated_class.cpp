@@ -161,7 +161,14 @@ void CXmlGeneratedClass::WriteObject(CXmlWriter* writer, bool isRoot, const char
                     CXmlObjectAccess::AttributesToXml(extra, writer, ctx);
                 }
             }
-            if (xsiType) writer->WriteTypeAttribute(xsiType);
+            if (xsiType) {
+                const std::string typeNamespace = GetTypeNamespace();
+                if (typeNamespace.empty()) {
+                    writer->WriteTypeAttribute(xsiType);
+                } else {
+                    writer->WriteTypeAttribute(writer->QualifyName(typeNamespace.c_str(), xsiType).c_str());
+                }
+            }
             AttributesToXml_Int(writer, ctx);
             if (isRoot) {
                 const std::string schema = ctx.GetInLineSchema();

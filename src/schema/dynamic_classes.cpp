@@ -324,6 +324,11 @@ std::string CDynamicObject::GetTypeName() const {
     return m_description->typeName.local;
 }
 
+std::string CDynamicObject::GetTypeNamespace() const {
+    if (!m_retyped || m_description->typeName.IsEmpty()) return std::string();
+    return m_description->typeName.ns;
+}
+
 bool CDynamicObject::HasSameClassAs(const CXmlGeneratedClass& other) const {
     const auto* dynamic = dynamic_cast<const CDynamicObject*>(&other);
     return dynamic != nullptr && dynamic->m_description == m_description;

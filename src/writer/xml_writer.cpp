@@ -160,6 +160,20 @@ const std::string* CXmlWriter::AttributePrefix(CXmlWriterContext& context, std::
     return &m_attributePrefix;
 }
 
+std::string CXmlWriter::QualifyName(const char* namespaceURI, const char* localName) {
+    CXmlWriterContext& context = RequireStartTag();
+    const std::string_view uri = namespaceURI ? namespaceURI : "";
+    const std::string local = localName ? localName : "";
+    if (uri.empty() || uri == GetDefaultNamespaceInScope(context)) return local;
+    bool declared = false;
+    const std::string* prefix = AttributePrefix(context, uri, declared);
+    const std::string name = *prefix + ":" + local;
+    if (declared) WritePrefixDeclaration(*prefix, uri);
+    return name;
+}
+
+void CXmlWriter::WritePrefixDeclaration(const std::string&, std::string_view) {}
+
 void CXmlWriter::WriteTypeAttribute(const char* typeName) { WriteAttribute("type", XsiNamespaceURI, typeName); }
 
 void CXmlWriter::WriteNilAttribute() { WriteAttribute("nil", XsiNamespaceURI, "true"); }

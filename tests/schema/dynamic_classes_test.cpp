@@ -241,6 +241,25 @@ TEST(DynamicXsiType, IsLeftOutWhenTheContextSaysSo) {
               "<r xmlns=\"urn:t\"><v><a>0</a></v><v><a>1</a><b>2</b></v></r>");
 }
 
+TEST(DynamicXsiType, NamesTheTypeInItsNamespace) {
+    // v is unqualified, so its element is in no namespace while its types are
+    // in urn:t: the written xsi:type needs a prefix of its own.
+    const auto classes = CDynamicClassSet::Create(CSchemaSet::LoadBuffer(Xsd(
+        "<xs:complexType name='ht'><xs:sequence><xs:element name='a' type='xs:int'/></xs:sequence></xs:complexType>"
+        "<xs:complexType name='mt'><xs:complexContent><xs:extension base='ht'><xs:sequence>"
+        "<xs:element name='b' type='xs:int'/></xs:sequence></xs:extension></xs:complexContent></xs:complexType>"
+        "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='v' type='ht'/>"
+        "</xs:sequence></xs:complexType></xs:element>")));
+    const std::string written = RoundTrip(*classes,
+                                          "<t:r xmlns:t='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>"
+                                          "<v xsi:type='t:mt'><a>1</a><b>2</b></v></t:r>");
+    EXPECT_EQ(written,
+              "<r xmlns=\"urn:t\"><v xmlns=\"\" xmlns:AA=\"urn:t\" xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" "
+              "AB:type=\"AA:mt\"><a>1</a><b>2</b></v></r>");
+    // What was written reads back as the same type.
+    EXPECT_EQ(RoundTrip(*classes, written), written);
+}
+
 TEST(DynamicClassSet, DescribesEachClass) {
     const auto classes = Classes(
         "<xs:complexType name='pt'><xs:sequence><xs:element name='x' type='xs:decimal'/>"

@@ -70,6 +70,7 @@ public:
     QmXmlLib10Data::CAttributeInfo** GetClassAttributeInfo() const override;
     void Init() override;
     std::string GetTypeName() const override;
+    std::string GetTypeNamespace() const override;
     bool HasSameClassAs(const CXmlGeneratedClass& other) const override;
     std::string GetTargetNamespace() const override;
 
