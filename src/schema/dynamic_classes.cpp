@@ -1,5 +1,8 @@
 #include "qmxml/schema/dynamic_classes.h"
 
+#include <algorithm>
+#include <iterator>
+#include <map>
 #include <sstream>
 #include <typeinfo>
 #include <unordered_set>
@@ -18,6 +21,7 @@
 #include "qmxml/schema/element_declaration.h"
 #include "qmxml/schema/schema_exception.h"
 #include "qmxml/schema/wildcard.h"
+#include "qmxml/writer/xml_writer.h"
 
 namespace QmXmlLib10 {
 namespace Schema {
@@ -340,6 +344,13 @@ void CDynamicObject::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elem
     WriteObject(writer, isRoot, elementName, ctx, asChoiceMember, typeName.empty() ? nullptr : typeName.c_str());
 }
 
+void CDynamicObject::AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const {
+    for (const auto& declaration : m_valuePrefixes) {
+        writer->DeclarePrefix(declaration.first.c_str(), declaration.second.c_str());
+    }
+    CXmlGeneratedClass::AttributesToXml_Int(writer, ctx);
+}
+
 std::string CDynamicObject::GetTargetNamespace() const {
     return m_isRoot ? m_rootNamespace : CXmlGeneratedClass::GetTargetNamespace();
 }
@@ -439,6 +450,61 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::CreateRootObject(const std::string& 
     return object;
 }
 
+namespace {
+
+bool IsQNameSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+// Marks the declared prefixes that begin a whitespace-separated token of text
+// ("p:local"); returns how many are marked so far.
+std::size_t MarkPrefixes(const std::string& text, const std::map<std::string, std::string>& declared,
+                         std::vector<bool>& used, std::size_t count) {
+    for (std::size_t colon = text.find(':'); colon != std::string::npos; colon = text.find(':', colon + 1)) {
+        std::size_t begin = colon;
+        while (begin > 0 && !IsQNameSpace(text[begin - 1])) --begin;
+        if (begin == colon) continue;
+        const auto found = declared.find(text.substr(begin, colon - begin));
+        if (found == declared.end()) continue;
+        const auto index = static_cast<std::size_t>(std::distance(declared.begin(), found));
+        if (!used[index]) {
+            used[index] = true;
+            ++count;
+        }
+    }
+    return count;
+}
+
+// The prefixes a document declared and uses in values as QNames: text and
+// attribute values are scanned once, without recursion, and only when the
+// document declares a prefix at all.
+std::vector<std::pair<std::string, std::string>> ValuePrefixes(const CXmlDocument& document) {
+    std::vector<std::pair<std::string, std::string>> kept;
+    const auto& declared = document.GetDeclaredNamespaces();
+    const bool any = std::any_of(declared.begin(), declared.end(),
+                                 [](const auto& d) { return !d.first.empty() && !d.second.empty(); });
+    if (!any || document.GetDocumentElement() == nullptr) return kept;
+    std::vector<bool> used(declared.size(), false);
+    std::size_t count = 0;
+    std::vector<const CXmlElement*> pending{document.GetDocumentElement()};
+    while (!pending.empty() && count < declared.size()) {
+        const CXmlElement* element = pending.back();
+        pending.pop_back();
+        for (const CXmlAttribute* attribute : element->GetAttributes()) {
+            count = MarkPrefixes(attribute->GetValue(), declared, used, count);
+        }
+        count = MarkPrefixes(element->GetText(), declared, used, count);
+        for (const CXmlElement* child = element->GetFirstElement(); child; child = child->GetNextSiblingElement()) {
+            pending.push_back(child);
+        }
+    }
+    std::size_t index = 0;
+    for (const auto& d : declared) {
+        if (used[index++] && !d.first.empty() && !d.second.empty()) kept.emplace_back(d.first, d.second);
+    }
+    return kept;
+}
+
+}  // namespace
+
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
                                                      const CXmlSerializationContext& ctx) const {
     const CXmlElement* root = document.GetDocumentElement();
@@ -479,6 +545,7 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
     CXmlObjectAccess::SetElementName(object, root->GetLocalName().c_str());
     object->m_rootNamespace = root->GetNamespaceURI();
     object->m_isRoot = true;
+    object->m_valuePrefixes = ValuePrefixes(document);
     object->FromXmlElement(root, ctx);
     if (m_index->mapped.usesIds) CheckIdentifiers(*object);
     return object;

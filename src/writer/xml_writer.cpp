@@ -174,6 +174,22 @@ std::string CXmlWriter::QualifyName(const char* namespaceURI, const char* localN
 
 void CXmlWriter::WritePrefixDeclaration(const std::string&, std::string_view) {}
 
+bool CXmlWriter::DeclarePrefix(const char* prefix, const char* namespaceURI) {
+    CXmlWriterContext& context = RequireStartTag();
+    const std::string_view name = prefix ? prefix : "";
+    const std::string_view uri = namespaceURI ? namespaceURI : "";
+    if (name.empty() || uri.empty() || name == "xml" || name == "xmlns" || context.IsPrefixInScope(name)) return false;
+    if (!IsPlainAsciiName(name) || name.find(':') != std::string_view::npos) return false;
+    // One prefix per URI on an element: the one it has stays (its name may use it).
+    for (std::size_t i = 0; i < context.GetOwnNamespaceCount(); ++i) {
+        if (context.GetOwnNamespaceURI(i) == uri) return false;
+    }
+    CheckNamespaceName(uri);
+    context.AddNamespace(uri, name);
+    WritePrefixDeclaration(std::string(name), uri);
+    return true;
+}
+
 void CXmlWriter::WriteTypeAttribute(const char* typeName) { WriteAttribute("type", XsiNamespaceURI, typeName); }
 
 void CXmlWriter::WriteNilAttribute() { WriteAttribute("nil", XsiNamespaceURI, "true"); }

@@ -253,11 +253,29 @@ TEST(DynamicXsiType, NamesTheTypeInItsNamespace) {
     const std::string written = RoundTrip(*classes,
                                           "<t:r xmlns:t='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>"
                                           "<v xsi:type='t:mt'><a>1</a><b>2</b></v></t:r>");
+    // The document's prefix for the type's namespace is kept on the root.
     EXPECT_EQ(written,
-              "<r xmlns=\"urn:t\"><v xmlns=\"\" xmlns:AA=\"urn:t\" xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" "
-              "AB:type=\"AA:mt\"><a>1</a><b>2</b></v></r>");
+              "<r xmlns=\"urn:t\" xmlns:t=\"urn:t\"><v xmlns=\"\" "
+              "xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"t:mt\"><a>1</a><b>2</b></v></r>");
     // What was written reads back as the same type.
     EXPECT_EQ(RoundTrip(*classes, written), written);
+    // Without a prefix of the document's, the writer declares one of its own.
+    EXPECT_EQ(RoundTrip(*classes,
+                        "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>"
+                        "<v xmlns='' xsi:type='mt'><a>1</a><b>2</b></v></r>"),
+              "<r xmlns=\"urn:t\"><v xmlns=\"\" xmlns:AA=\"urn:t\" "
+              "xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"AA:mt\"><a>1</a><b>2</b></v></r>");
+}
+
+TEST(DynamicQNames, KeepThePrefixesTheirValuesUse) {
+    const auto classes = Classes(
+        "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='q' type='xs:QName'/>"
+        "<xs:element name='t' type='xs:time'/></xs:sequence></xs:complexType></xs:element>");
+    // p is used by a value and kept; u is declared but unused.
+    EXPECT_EQ(RoundTrip(*classes,
+                        "<r xmlns='urn:t' xmlns:p='urn:p' xmlns:u='urn:u'><q> p:x </q>"
+                        "<t>12:30:00</t></r>"),
+              "<r xmlns=\"urn:t\" xmlns:p=\"urn:p\"><q>p:x</q><t>12:30:00</t></r>");
 }
 
 TEST(DynamicClassSet, DescribesEachClass) {

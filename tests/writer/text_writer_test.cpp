@@ -562,3 +562,24 @@ TEST(XmlTextWriter, QualifiedNamesInValuesDeclareTheirPrefixOnce) {
               "xmlns:AC=\"http://www.w3.org/2001/XMLSchema-instance\" AC:type=\"AB:t\">x</AA:c>"
               "<c xmlns:AA=\"urn:x\"/></r>");
 }
+
+TEST(XmlTextWriter, PrefixesDeclaredForValuesAreUsedBelow) {
+    Doc d;
+    d.w.SetFormatted(false);
+    d.w.StartElement("r", "urn:r");
+    EXPECT_TRUE(d.w.DeclarePrefix("p", "urn:p"));
+    EXPECT_FALSE(d.w.DeclarePrefix("p", "urn:other"));  // in scope already
+    EXPECT_FALSE(d.w.DeclarePrefix("q", "urn:r"));      // urn:r has its prefix on r
+    EXPECT_FALSE(d.w.DeclarePrefix("xml", "urn:x"));
+    EXPECT_FALSE(d.w.DeclarePrefix("", "urn:x"));
+    EXPECT_FALSE(d.w.DeclarePrefix("a:b", "urn:x"));
+    d.w.StartElement("c", "urn:p");  // takes the declared prefix
+    EXPECT_EQ(d.w.QualifyName("urn:p", "t"), "p:t");
+    d.w.EndElement();
+    d.w.WriteText("x");
+    qmxml_test::ExpectThrow<CQmException>([&d] { d.w.DeclarePrefix("z", "urn:z"); },
+                                           "Attributes must be added before elements");
+    d.w.EndElement();
+    d.w.EndDocument();
+    EXPECT_EQ(d.Text(), "<AA:r xmlns:AA=\"urn:r\" xmlns:p=\"urn:p\"><p:c/>x</AA:r>");
+}

@@ -100,6 +100,9 @@ public:
     // anywhere in the document; a later declaration of the same prefix wins.
     // Empty when the prefix was never declared. Valid until the next load.
     const std::string& LookupNamespaceFromAlias(const char* prefix) const;
+    // Every prefix declared in the document ("" for the default namespace)
+    // with the URI LookupNamespaceFromAlias gives it. Valid until the next load.
+    const std::map<std::string, std::string>& GetDeclaredNamespaces() const noexcept { return m_namespaces; }
 
     // Interning changes no node, so it is allowed on a const document.
     CXmlNameTable& GetNameTable() const noexcept { return m_nameTable; }

@@ -80,6 +80,7 @@ protected:
     // A root read through xsi:type writes it back (members' xsi:type is their info's business).
     void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
                    bool asChoiceMember) const override;
+    void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const override;
 
 private:
     friend class CDynamicClassSet;
@@ -91,6 +92,11 @@ private:
     // several namespaces); unset for members, whose infos name theirs.
     std::string m_rootNamespace;
     bool m_isRoot = false;
+    // A root read from a document: the prefixes that the document declared
+    // and that its values use as QNames (xsi:type, QName-typed values, untyped
+    // content), declared again on the root element when it is written, so
+    // that the values mean what they meant.
+    std::vector<std::pair<std::string, std::string>> m_valuePrefixes;
     // The object's class is not its member's declared one (xsi:type or a
     // substitution picked it): xsi:type is written for it.
     bool m_retyped = false;

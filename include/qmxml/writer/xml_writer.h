@@ -144,6 +144,13 @@ public:
     // stays unprefixed. Throws "Attributes must be added before elements"
     // once the start tag is closed.
     std::string QualifyName(const char* namespaceURI, const char* localName);
+    // Declares prefix for namespaceURI on the element whose start tag is open,
+    // so that values below it may use the prefix (QName values a document
+    // brought along). False, and nothing declared, when the prefix is
+    // already in scope, is "xml" or "xmlns", is empty or is not a name, or
+    // the URI is empty. Throws "Attributes must be added before elements"
+    // once the start tag is closed.
+    bool DeclarePrefix(const char* prefix, const char* namespaceURI);
     virtual void WriteNilAttribute();
 
     const std::string& GetDefaultNamespace() const { return m_defaultNamespaceURI; }
