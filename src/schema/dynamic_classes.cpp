@@ -473,36 +473,6 @@ std::size_t MarkPrefixes(const std::string& text, const std::map<std::string, st
     return count;
 }
 
-// The prefixes a document declared and uses in values as QNames: text and
-// attribute values are scanned once, without recursion, and only when the
-// document declares a prefix at all.
-std::vector<std::pair<std::string, std::string>> ValuePrefixes(const CXmlDocument& document) {
-    std::vector<std::pair<std::string, std::string>> kept;
-    const auto& declared = document.GetDeclaredNamespaces();
-    const bool any = std::any_of(declared.begin(), declared.end(),
-                                 [](const auto& d) { return !d.first.empty() && !d.second.empty(); });
-    if (!any || document.GetDocumentElement() == nullptr) return kept;
-    std::vector<bool> used(declared.size(), false);
-    std::size_t count = 0;
-    std::vector<const CXmlElement*> pending{document.GetDocumentElement()};
-    while (!pending.empty() && count < declared.size()) {
-        const CXmlElement* element = pending.back();
-        pending.pop_back();
-        for (const CXmlAttribute* attribute : element->GetAttributes()) {
-            count = MarkPrefixes(attribute->GetValue(), declared, used, count);
-        }
-        count = MarkPrefixes(element->GetText(), declared, used, count);
-        for (const CXmlElement* child = element->GetFirstElement(); child; child = child->GetNextSiblingElement()) {
-            pending.push_back(child);
-        }
-    }
-    std::size_t index = 0;
-    for (const auto& d : declared) {
-        if (used[index++] && !d.first.empty() && !d.second.empty()) kept.emplace_back(d.first, d.second);
-    }
-    return kept;
-}
-
 }  // namespace
 
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
@@ -545,8 +515,8 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
     CXmlObjectAccess::SetElementName(object, root->GetLocalName().c_str());
     object->m_rootNamespace = root->GetNamespaceURI();
     object->m_isRoot = true;
-    object->m_valuePrefixes = ValuePrefixes(document);
     object->FromXmlElement(root, ctx);
+    object->m_valuePrefixes = ValuePrefixes(document.GetDeclaredNamespaces(), *object);
     if (m_index->mapped.usesIds) CheckIdentifiers(*object);
     return object;
 }
@@ -671,6 +641,88 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
             throw CQmValidationException(FormatString("The IDREF value [%s] matches no ID", reference.c_str()));
         }
     }
+}
+
+std::vector<std::pair<std::string, std::string>> CDynamicClassSet::ValuePrefixes(
+    const std::map<std::string, std::string>& declared, const CDynamicObject& root) const {
+    std::vector<std::pair<std::string, std::string>> kept;
+    const bool any = std::any_of(declared.begin(), declared.end(),
+                                 [](const auto& d) { return !d.first.empty() && !d.second.empty(); });
+    if (!any) return kept;
+    std::vector<bool> used(declared.size(), false);
+    std::size_t count = 0;
+    // Bound objects and untyped elements, each walked with a stack of its own
+    // (documents nest deeper than recursion would allow); done once every
+    // declared prefix is found.
+    std::vector<const CDynamicObject*> objects{&root};
+    std::vector<CElement*> elements;
+    const auto markAttributes = [&](const CAttributeCol& attributes) {
+        for (const CAttribute* attribute : attributes) count = MarkPrefixes(attribute->GetValue(), declared, used, count);
+    };
+    while ((!objects.empty() || !elements.empty()) && count < declared.size()) {
+        if (!elements.empty()) {
+            CElement* element = elements.back();
+            elements.pop_back();
+            if (element->GetAttributeCount() > 0) markAttributes(element->GetAttributes());
+            count = MarkPrefixes(element->GetText(), declared, used, count);
+            if (element->GetElementCount() > 0) {
+                for (CElement* child : element->GetElements()) elements.push_back(child);
+            }
+            continue;
+        }
+        const CDynamicObject* object = objects.back();
+        objects.pop_back();
+        const auto& properties = object->m_description->properties;
+        for (size_t i = 0; i < properties.size(); ++i) {
+            const QmVariant& value = object->m_values[i];
+            if (!value.IsValid() || value.IsNil()) continue;
+            switch (properties[i].kind) {
+                case CPropertyDescription::Kind::Value:
+                    if (properties[i].itemType == ItemType_string) {
+                        count = MarkPrefixes(value.GetString(), declared, used, count);
+                    }
+                    break;
+                case CPropertyDescription::Kind::Object:
+                case CPropertyDescription::Kind::Element: {
+                    const CSmartPtr<CXmlObjectBase> member = value.GetXmlObject();
+                    if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(member.Get())) {
+                        objects.push_back(dynamic);
+                    } else if (auto* element = dynamic_cast<CElement*>(member.Get())) {
+                        elements.push_back(element);
+                    }
+                    break;
+                }
+                case CPropertyDescription::Kind::Collection: {
+                    const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
+                    if (const auto* strings = dynamic_cast<const CXmlTypeCollection*>(held.Get())) {
+                        if (strings->GetItemType() != ItemType_string) break;
+                        for (std::int32_t k = 0; k < strings->GetCount(); ++k) {
+                            count = MarkPrefixes(strings->GetItemAsString(k), declared, used, count);
+                        }
+                    } else if (const auto* collection = dynamic_cast<const CXmlCollection*>(held.Get())) {
+                        for (auto* node = collection->GetFirstNode(); node; node = node->GetNext()) {
+                            if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(node->GetItem())) {
+                                objects.push_back(dynamic);
+                            } else if (auto* element = dynamic_cast<CElement*>(node->GetItem())) {
+                                elements.push_back(element);
+                            }
+                        }
+                    }
+                    break;
+                }
+                case CPropertyDescription::Kind::Attributes: {
+                    const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
+                    if (const auto* attributes = dynamic_cast<const CAttributeCol*>(held.Get())) markAttributes(*attributes);
+                    break;
+                }
+            }
+        }
+    }
+    std::size_t index = 0;
+    for (const auto& d : declared) {
+        if (used[index++] && !d.first.empty() && !d.second.empty()) kept.emplace_back(d.first, d.second);
+    }
+    return kept;
 }
 
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadFile(const std::string& path,

@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -147,6 +148,10 @@ private:
     void CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const;
     // IDs unique and every IDREF naming one, across the document read.
     void CheckIdentifiers(const CDynamicObject& root) const;
+    // The declared prefixes (prefix -> URI) that begin a token of a string
+    // value bound under root, untyped content and wildcard attributes included.
+    std::vector<std::pair<std::string, std::string>> ValuePrefixes(
+        const std::map<std::string, std::string>& declared, const CDynamicObject& root) const;
 
     std::shared_ptr<const CSchemaSet> m_schemas;
     std::vector<std::unique_ptr<CClassDescription>> m_classes;
