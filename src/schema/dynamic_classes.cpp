@@ -475,7 +475,7 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
     object->m_rootNamespace = root->GetNamespaceURI();
     object->m_isRoot = true;
     object->FromXmlElement(root, ctx);
-    if (m_index->mapped.usesIds) CheckIdentifiers(*object);
+    if (m_index->mapped.usesIds) CheckIdentifiers(*object, document);
     return object;
 }
 
@@ -543,7 +543,7 @@ void CDynamicClassSet::CheckWildcardContent(const CDynamicObject& object, const 
     }
 }
 
-void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
+void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root, const CXmlDocument& document) const {
     std::unordered_set<std::string> ids;
     std::vector<std::string> references;
     // The bound objects are walked with a stack of their own: documents nest
@@ -569,6 +569,16 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
                     if (kind == 3) {
                         std::istringstream items(text);
                         for (std::string item; items >> item;) references.push_back(item);
+                    }
+                    // The bound value keeps the QName's text, so its prefix is
+                    // resolved here or never. The tree keeps the declarations
+                    // document-wide, not per element: a prefix declared
+                    // elsewhere in the document passes.
+                    const std::size_t colon = text.find(':');
+                    if (kind == 4 && colon != std::string::npos && text.compare(0, colon, "xml") != 0 &&
+                        document.LookupNamespaceFromAlias(text.substr(0, colon).c_str()).empty()) {
+                        throw CQmValidationException(FormatString("The prefix of the QName [%s] of [%s] is not declared",
+                                                                  text.c_str(), properties[i].name.c_str()));
                     }
                     break;
                 }

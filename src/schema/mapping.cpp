@@ -472,6 +472,7 @@ private:
     int IdKind(const CSimpleType* type) {
         const CSimpleType* id = m_set.GetBuiltInType("ID");
         const CSimpleType* idref = m_set.GetBuiltInType("IDREF");
+        const CSimpleType* qname = m_set.GetBuiltInType("QName");
         int kind = 0;
         if (id != nullptr && type->DerivesFrom(id)) {
             kind = 1;
@@ -480,6 +481,8 @@ private:
         } else if (type->variety == CSimpleType::Variety::List && type->itemType != nullptr && idref != nullptr &&
                    type->itemType->DerivesFrom(idref)) {
             kind = 3;
+        } else if (qname != nullptr && type->DerivesFrom(qname)) {
+            kind = 4;
         }
         if (kind != 0) m_out.usesIds = true;
         return kind;

@@ -56,7 +56,7 @@ struct ValidDocument {
 };
 
 // A document invalid against its schema, with the full message chain binding
-// it throws ("" for the known gap of QName prefixes: accepted, see README).
+// it throws.
 struct InvalidDocument {
     const char* set;
     const char* document;
@@ -314,7 +314,7 @@ const InvalidDocument kInvalidDocuments[] = {
      "Failed to process the element [definitions]\n\n"
      "Failed read all the elements held within the element [definitions]. The unexpected element [extensionElements] remains un processed"},
     {"bpmn20", "invalid/itemDefinition-structureRef.part.bpmn", "xsd/BPMN20.xsd", true, "Bpmn_itemDefinition_structureRef_part",
-     ""},
+     "The prefix of the QName [foo:Service] of [structureRef] is not declared"},
     {"bpmn20", "invalid/sequenceFlow-conditionExpression.part.bpmn", "xsd/BPMN20.xsd", true, "Bpmn_sequenceFlow_conditionExpression_part",
      "Failed to process the element [sequenceFlow]\n\n"
      "Failed to find the required Attribute [sourceRef]"},
