@@ -103,7 +103,10 @@ fs::path DefaultRoot() {
 int main(int argc, char** argv) {
     const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 5;
     const fs::path root = argc > 2 ? fs::path(argv[2]) : DefaultRoot();
-    std::printf("sets: %s, best of %d\n\n", fs::weakly_canonical(root).string().c_str(), runs);
+    // Relative to the project, so that the report reads the same on every machine.
+    const fs::path project = fs::weakly_canonical(fs::path(QMXML_BENCH_DIR) / "..");
+    const fs::path shown = fs::weakly_canonical(root).lexically_relative(project);
+    std::printf("sets: %s, best of %d\n\n", shown.string().c_str(), runs);
     std::printf("%-32s %9s %9s %9s %9s %9s %8s %8s\n", "set", "doc KB", "schema", "expat", "bind", "write", "bind/x",
                 "write/x");
     std::printf("%-32s %9s %9s %9s %9s %9s %8s %8s\n", "", "", "ms", "ms", "ms", "ms", "", "");
