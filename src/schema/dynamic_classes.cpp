@@ -543,6 +543,21 @@ void CDynamicClassSet::CheckWildcardContent(const CDynamicObject& object, const 
     }
 }
 
+namespace {
+
+// A bound QName keeps its text, so its prefix is resolved here or never. The
+// tree keeps the declarations document-wide, not per element: a prefix
+// declared elsewhere in the document passes.
+void CheckQNamePrefix(const std::string& text, const std::string& member, const CXmlDocument& document) {
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos || text.compare(0, colon, "xml") == 0) return;
+    if (!document.LookupNamespaceFromAlias(text.substr(0, colon).c_str()).empty()) return;
+    throw CQmValidationException(
+        FormatString("The prefix of the QName [%s] of [%s] is not declared", text.c_str(), member.c_str()));
+}
+
+}  // namespace
+
 void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root, const CXmlDocument& document) const {
     std::unordered_set<std::string> ids;
     std::vector<std::string> references;
@@ -570,16 +585,7 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root, const CXmlDo
                         std::istringstream items(text);
                         for (std::string item; items >> item;) references.push_back(item);
                     }
-                    // The bound value keeps the QName's text, so its prefix is
-                    // resolved here or never. The tree keeps the declarations
-                    // document-wide, not per element: a prefix declared
-                    // elsewhere in the document passes.
-                    const std::size_t colon = text.find(':');
-                    if (kind == 4 && colon != std::string::npos && text.compare(0, colon, "xml") != 0 &&
-                        document.LookupNamespaceFromAlias(text.substr(0, colon).c_str()).empty()) {
-                        throw CQmValidationException(FormatString("The prefix of the QName [%s] of [%s] is not declared",
-                                                                  text.c_str(), properties[i].name.c_str()));
-                    }
+                    if (kind == 4) CheckQNamePrefix(text, properties[i].name, document);
                     break;
                 }
                 case CPropertyDescription::Kind::Object: {
@@ -591,6 +597,13 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root, const CXmlDo
                 }
                 case CPropertyDescription::Kind::Collection: {
                     const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
+                    if (runtime.properties[i].idKind == 4) {
+                        if (const auto* values = dynamic_cast<const CXmlTypeCollection*>(held.Get())) {
+                            for (int k = 0; k < values->GetCount(); ++k)
+                                CheckQNamePrefix(values->GetItemAsString(k), properties[i].name, document);
+                        }
+                        break;
+                    }
                     const auto* collection = dynamic_cast<const CXmlCollection*>(held.Get());
                     if (collection == nullptr) break;
                     for (auto* node = collection->GetFirstNode(); node; node = node->GetNext()) {

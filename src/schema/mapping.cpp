@@ -426,7 +426,10 @@ private:
             const bool fixed = element->valueConstraint.kind == CValueConstraint::Fixed;
             runtime.facets.SetValueRule(MakeValueRule(simple, fixed ? &element->valueConstraint : nullptr));
             runtime.rule = BindingWhitespaceRule(simple);
-            if (!collection) runtime.idKind = IdKind(simple);
+            // Repeating QNames are checked item by item; repeating IDs and
+            // IDREFs are not collected.
+            const int idKind = IdKind(simple);
+            if (!collection || idKind == 4) runtime.idKind = idKind;
             if (collection) {
                 build.elements.push_back(MakeCollectionInfo(groupType, name.c_str(), ns.c_str(), propertyIndex));
             } else {

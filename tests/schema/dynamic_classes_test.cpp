@@ -215,6 +215,11 @@ const Case kCases[] = {
      "</xs:sequence></xs:complexType></xs:element>",
      "<r xmlns='urn:t'><e>q:x</e></r>",
      "!The prefix of the QName [q:x] of [e] is not declared"},
+    {"RepeatingQNameWithAnUndeclaredPrefix",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='e' type='xs:QName' "
+     "maxOccurs='unbounded'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:p='urn:p'><e>p:x</e><e>y</e><e>q:z</e></r>",
+     "!The prefix of the QName [q:z] of [e] is not declared"},
     // The declaration is not written back with the value: the copy names a
     // prefix it does not declare (README, "Real schemas").
     {"QNameWithADeclaredPrefix",
