@@ -517,7 +517,7 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
     object->m_isRoot = true;
     object->FromXmlElement(root, ctx);
     object->m_valuePrefixes = ValuePrefixes(document.GetDeclaredNamespaces(), *object);
-    if (m_index->mapped.usesIds) CheckIdentifiers(*object);
+    if (m_index->mapped.usesIds) CheckIdentifiers(*object, document);
     return object;
 }
 
@@ -585,7 +585,22 @@ void CDynamicClassSet::CheckWildcardContent(const CDynamicObject& object, const 
     }
 }
 
-void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
+namespace {
+
+// A bound QName keeps its text, so its prefix is resolved here or never. The
+// tree keeps the declarations document-wide, not per element: a prefix
+// declared elsewhere in the document passes.
+void CheckQNamePrefix(const std::string& text, const std::string& member, const CXmlDocument& document) {
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos || text.compare(0, colon, "xml") == 0) return;
+    if (!document.LookupNamespaceFromAlias(text.substr(0, colon).c_str()).empty()) return;
+    throw CQmValidationException(
+        FormatString("The prefix of the QName [%s] of [%s] is not declared", text.c_str(), member.c_str()));
+}
+
+}  // namespace
+
+void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root, const CXmlDocument& document) const {
     std::unordered_set<std::string> ids;
     std::vector<std::string> references;
     // The bound objects are walked with a stack of their own: documents nest
@@ -612,6 +627,7 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
                         std::istringstream items(text);
                         for (std::string item; items >> item;) references.push_back(item);
                     }
+                    if (kind == 4) CheckQNamePrefix(text, properties[i].name, document);
                     break;
                 }
                 case CPropertyDescription::Kind::Object: {
@@ -623,6 +639,13 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
                 }
                 case CPropertyDescription::Kind::Collection: {
                     const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
+                    if (runtime.properties[i].idKind == 4) {
+                        if (const auto* values = dynamic_cast<const CXmlTypeCollection*>(held.Get())) {
+                            for (int k = 0; k < values->GetCount(); ++k)
+                                CheckQNamePrefix(values->GetItemAsString(k), properties[i].name, document);
+                        }
+                        break;
+                    }
                     const auto* collection = dynamic_cast<const CXmlCollection*>(held.Get());
                     if (collection == nullptr) break;
                     for (auto* node = collection->GetFirstNode(); node; node = node->GetNext()) {

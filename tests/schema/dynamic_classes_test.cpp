@@ -206,6 +206,26 @@ const Case kCases[] = {
      "<xs:complexType><xs:attribute name='id' type='xs:ID'/><xs:attribute name='to' type='xs:IDREFS'/>"
      "</xs:complexType></xs:element></xs:sequence></xs:complexType></xs:element>",
      "<r xmlns='urn:t'><p id='a' to='a b'/><p id='b' to='c'/></r>", "!The IDREF value [c] matches no ID"},
+    {"QNameWithAnUndeclaredPrefix",
+     "<xs:element name='r'><xs:complexType><xs:attribute name='q' type='xs:QName'/></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' q='foo:bar'/>", "!The prefix of the QName [foo:bar] of [q] is not declared"},
+    {"QNameOfARestrictedTypeWithAnUndeclaredPrefix",
+     "<xs:simpleType name='ref'><xs:restriction base='xs:QName'><xs:pattern value='[a-z]+:.*'/></xs:restriction>"
+     "</xs:simpleType><xs:element name='r'><xs:complexType><xs:sequence><xs:element name='e' type='ref'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><e>q:x</e></r>",
+     "!The prefix of the QName [q:x] of [e] is not declared"},
+    {"RepeatingQNameWithAnUndeclaredPrefix",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='e' type='xs:QName' "
+     "maxOccurs='unbounded'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:p='urn:p'><e>p:x</e><e>y</e><e>q:z</e></r>",
+     "!The prefix of the QName [q:z] of [e] is not declared"},
+    // The declaration a value uses is written back on the root.
+    {"QNameWithADeclaredPrefix",
+     "<xs:element name='r'><xs:complexType><xs:attribute name='q' type='xs:QName'/>"
+     "<xs:attribute name='l' type='xs:QName'/></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:p='urn:p' q='p:bar' l='xml:lang'/>",
+     "<r xmlns=\"urn:t\" xmlns:p=\"urn:p\" q=\"p:bar\" l=\"xml:lang\"/>"},
     {"EmptySimpleRootTakesItsFixedValue", "<xs:element name='r' type='xs:int' fixed='5'/>", "<r xmlns='urn:t'/>",
      "<r xmlns=\"urn:t\">5</r>"},
     {"SimpleRootOtherThanItsFixedValue", "<xs:element name='r' type='xs:int' fixed='5'/>",

@@ -146,8 +146,9 @@ private:
     // What the wildcards of a read object took, checked as their
     // processContents asks (strict: declared and valid; lax: valid when declared).
     void CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const;
-    // IDs unique and every IDREF naming one, across the document read.
-    void CheckIdentifiers(const CDynamicObject& root) const;
+    // IDs unique and every IDREF naming one, across the document read, and
+    // every QName's prefix declared in it.
+    void CheckIdentifiers(const CDynamicObject& root, const CXmlDocument& document) const;
     // The declared prefixes (prefix -> URI) that begin a token of a string
     // value bound under root, untyped content and wildcard attributes included.
     std::vector<std::pair<std::string, std::string>> ValuePrefixes(
