@@ -4,6 +4,7 @@
 #include <typeinfo>
 #include <unordered_set>
 
+#include "dom/xml_document_loading.h"
 #include "mapping.h"
 #include "qmxml/collections/class_collection.h"
 #include "qmxml/collections/element.h"
@@ -604,8 +605,11 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadFile(const std::string& path,
                                                      const CXmlSerializationContext& ctx) const {
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.Load(path.c_str());
-    return ReadRoot(document, ctx);
+    CSmartPtr<CDynamicObject> object;
+    CXmlDocumentLoading::Bind(document, [&] { object = ReadRoot(document, ctx); });
+    return object;
 }
 
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadBuffer(const void* data, std::size_t size,
@@ -613,8 +617,11 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadBuffer(const void* data, std::si
     if (size > 0xffffffffu) throw CQmInvalidParamException("The document is larger than 4 GiB");
     std::string copy(static_cast<const char*>(data), size);
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.LoadXmlStream(reinterpret_cast<unsigned char*>(&copy[0]), static_cast<std::uint32_t>(copy.size()));
-    return ReadRoot(document, ctx);
+    CSmartPtr<CDynamicObject> object;
+    CXmlDocumentLoading::Bind(document, [&] { object = ReadRoot(document, ctx); });
+    return object;
 }
 
 CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateMember(int classIndex, const char*) const {
