@@ -131,6 +131,19 @@ bool CExpatReader::Parse(const char* data, std::size_t length, bool isFinal) {
     return Finish(XML_Parse(m_parser, data, static_cast<int>(length), isFinal ? 1 : 0));
 }
 
+bool CExpatReader::ParseCopy(const char* data, std::size_t length, bool isFinal) {
+    if (length > static_cast<std::size_t>(INT32_MAX)) throw CQmInvalidParamException("Input piece too large");
+    void* buffer = XML_GetBuffer(m_parser, static_cast<int>(length));
+    if (buffer == nullptr) {
+        // Expat refuses a buffer only for want of memory or after an error,
+        // which the plain call reports as it should.
+        return Parse(data, length, isFinal);
+    }
+    if (length > 0) std::memcpy(buffer, data, length);
+    m_bufferKnown = false;
+    return Finish(XML_ParseBuffer(m_parser, static_cast<int>(length), isFinal ? 1 : 0));
+}
+
 bool CExpatReader::Resume() {
     m_bufferKnown = false;
     return Finish(XML_ResumeParser(m_parser));

@@ -58,6 +58,10 @@ public:
     // True when a stop (below) suspended the parser inside the piece: Resume
     // goes on with it.
     bool Parse(const char* data, std::size_t length, bool isFinal);
+    // As Parse, through a copy in Expat's own buffer. A parse suspended inside
+    // a caller's piece makes Expat copy the rest of the piece at every stop;
+    // from its own buffer it just goes on.
+    bool ParseCopy(const char* data, std::size_t length, bool isFinal);
     bool Resume();
 
     // For binding while parsing. Suspends the parser when an element ends

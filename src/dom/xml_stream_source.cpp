@@ -69,7 +69,7 @@ bool CExpatStreamSource::Step(std::size_t stopBelow) {
                     break;
                 }
                 m_lastPiece = last;
-                suspended = m_reader->Parse(data, length, last);
+                suspended = m_reader->ParseCopy(data, length, last);
             }
             m_suspended = suspended;
             if (suspended) return true;
