@@ -7,6 +7,7 @@
 #include <typeinfo>
 #include <unordered_set>
 
+#include "dom/xml_document_loading.h"
 #include "mapping.h"
 #include "qmxml/collections/class_collection.h"
 #include "qmxml/collections/element.h"
@@ -751,8 +752,11 @@ std::vector<std::pair<std::string, std::string>> CDynamicClassSet::ValuePrefixes
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadFile(const std::string& path,
                                                      const CXmlSerializationContext& ctx) const {
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.Load(path.c_str());
-    return ReadRoot(document, ctx);
+    CSmartPtr<CDynamicObject> object;
+    CXmlDocumentLoading::Bind(document, [&] { object = ReadRoot(document, ctx); });
+    return object;
 }
 
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadBuffer(const void* data, std::size_t size,
@@ -760,8 +764,11 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadBuffer(const void* data, std::si
     if (size > 0xffffffffu) throw CQmInvalidParamException("The document is larger than 4 GiB");
     std::string copy(static_cast<const char*>(data), size);
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.LoadXmlStream(reinterpret_cast<unsigned char*>(&copy[0]), static_cast<std::uint32_t>(copy.size()));
-    return ReadRoot(document, ctx);
+    CSmartPtr<CDynamicObject> object;
+    CXmlDocumentLoading::Bind(document, [&] { object = ReadRoot(document, ctx); });
+    return object;
 }
 
 CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateMember(int classIndex, const char*) const {
