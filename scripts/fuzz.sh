@@ -3,7 +3,8 @@
 # one for the given number of seconds (default 60) from the given seed corpus:
 # load_xml (default) and load_fi (Fast Infoset documents) drive the document
 # loader, bind drives binding into bound classes, schema drives the schema
-# loader and binding through the classes of the loaded schema.
+# loader and binding through the classes of the loaded schema, stream compares
+# binding while parsing with binding a loaded tree.
 # New corpus entries go to the build directory; the seed corpus stays as it is.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -14,6 +15,7 @@ CC=clang CXX=clang++ cmake -S "$root/fuzz" -B "$build" -DCMAKE_BUILD_TYPE=RelWit
 target=load_xml_fuzzer
 [ "$seeds" = bind ] && target=bind_fuzzer
 [ "$seeds" = schema ] && target=schema_fuzzer
+[ "$seeds" = stream ] && target=stream_fuzzer
 cmake --build "$build" -j "$(nproc)" --target "$target"
 corpus="$build/corpus/$seeds"
 mkdir -p "$corpus"

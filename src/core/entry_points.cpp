@@ -1,10 +1,12 @@
 // The public serialization entry points shared by every bound object.
 #include <memory>
 
+#include "dom/xml_document_loading.h"
 #include "platform/charset.h"
 #include "platform/file_writer.h"
 #include "qmxml/collections/element.h"
 #include "qmxml/core/exception.h"
+#include "qmxml/core/generated_class.h"
 #include "qmxml/core/object_base.h"
 #include "qmxml/core/settings.h"
 #include "qmxml/dom/xml_document.h"
@@ -95,22 +97,44 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration, const CXm
     return CBinaryData::Compress(bytes.GetData(), bytes.GetLength(), compression);
 }
 
+// Binds while the parser reads on (text input; Fast Infoset arrives as a
+// whole tree): the content model walks the tree as it grows, and each
+// element's content is freed once its object is read.
+// A document that turns out not to be well formed leaves the object as
+// reading begins: initialised (a tree that fails to load would not have been
+// bound at all, which for a new object is the same state).
+// A wildcard element takes the whole document anyway: it is read whole first.
+void CXmlObjectBase::BindDocument(CXmlDocument& document, const CXmlSerializationContext& ctx) {
+    if (dynamic_cast<CElement*>(this) != nullptr) CXmlDocumentLoading::ReadWhole(document);
+    CXmlDocumentLoading::Bind(
+        document, [&] { FromXmlElement(document.GetDocumentElement(), ctx); },
+        [this] {
+            if (auto* generated = dynamic_cast<CXmlGeneratedClass*>(this)) {
+                generated->Init();
+                generated->SetNil(false);
+            }
+        });
+}
+
 void CXmlObjectBase::FromXmlFile(const char* fileName, const CXmlSerializationContext& ctx) {
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.Load(fileName);
-    FromXmlElement(document.GetDocumentElement(), ctx);
+    BindDocument(document, ctx);
 }
 
 void CXmlObjectBase::FromXml(const unsigned short* utf16Text, const CXmlSerializationContext& ctx) {
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.LoadXml(utf16Text);
-    FromXmlElement(document.GetDocumentElement(), ctx);
+    BindDocument(document, ctx);
 }
 
 void CXmlObjectBase::FromXml(const char* xmlText, const CXmlSerializationContext& ctx) {
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.LoadXml(xmlText);
-    FromXmlElement(document.GetDocumentElement(), ctx);
+    BindDocument(document, ctx);
 }
 
 void CXmlObjectBase::FromXmlStream(const CBinaryData& data, const CXmlSerializationContext& ctx) {
@@ -120,8 +144,9 @@ void CXmlObjectBase::FromXmlStream(const CBinaryData& data, const CXmlSerializat
 void CXmlObjectBase::FromXmlStream(unsigned char* const bytes, std::uint32_t length,
                                    const CXmlSerializationContext& ctx) {
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.LoadXmlStream(bytes, length);
-    FromXmlElement(document.GetDocumentElement(), ctx);
+    BindDocument(document, ctx);
 }
 
 void CXmlObjectBase::FromXmlElement(const CElement* element, const CXmlSerializationContext& ctx) {

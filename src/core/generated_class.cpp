@@ -15,6 +15,7 @@
 #include "qmxml/metadata/element_info.h"
 #include "qmxml/metadata/parent_element_info.h"
 #include "qmxml/writer/xml_writer.h"
+#include "dom/xml_stream_source.h"
 #include "metadata/nil_attribute.h"
 #include "metadata/value_text.h"
 
@@ -43,6 +44,27 @@ private:
     char m_inline[16] = {};
     std::unique_ptr<char[]> m_heap;
     char* m_flags;
+};
+
+// Inlined members read from their parent's children and may give back what
+// they read (an all group that turns out incomplete), so that others read it
+// again. While any such reader is active on this thread, no element's content
+// is freed after its object is read.
+thread_local int t_inlinedReaders = 0;
+
+class InlinedReader {
+public:
+    explicit InlinedReader(bool inlined) : m_inlined(inlined) {
+        if (m_inlined) ++t_inlinedReaders;
+    }
+    ~InlinedReader() {
+        if (m_inlined) --t_inlinedReaders;
+    }
+    InlinedReader(const InlinedReader&) = delete;
+    InlinedReader& operator=(const InlinedReader&) = delete;
+
+private:
+    bool m_inlined;
 };
 
 int CountInfos(CElementInfo** infos) {
@@ -161,7 +183,14 @@ void CXmlGeneratedClass::WriteObject(CXmlWriter* writer, bool isRoot, const char
                     CXmlObjectAccess::AttributesToXml(extra, writer, ctx);
                 }
             }
-            if (xsiType) writer->WriteTypeAttribute(xsiType);
+            if (xsiType) {
+                const std::string typeNamespace = GetTypeNamespace();
+                if (typeNamespace.empty()) {
+                    writer->WriteTypeAttribute(xsiType);
+                } else {
+                    writer->WriteTypeAttribute(writer->QualifyName(typeNamespace.c_str(), xsiType).c_str());
+                }
+            }
             AttributesToXml_Int(writer, ctx);
             if (isRoot) {
                 const std::string schema = ctx.GetInLineSchema();
@@ -260,6 +289,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
     }
 
     std::vector<CXmlAttribute*> deferred;
+    const InlinedReader inlinedReader(!ownElement);
     try {
         const bool inlinedMembers = ownElement && HasInlinedMembers();
         if (ownElement) {
@@ -287,6 +317,9 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
         // Inlined members exist only now.
         if (inlinedMembers) ProcessDeferredAttributes(ctx, deferred);
         if (ownElement && info->HasSimpleContent()) ReadSimpleContent(parent);
+        // Read while parsing, the element's children are not needed again:
+        // freeing them keeps the tree to the path being read.
+        if (ownElement && t_inlinedReaders == 0) CXmlStreamSource::ReleaseContent(parent);
         return current;
     } catch (const CQmException& e) {
         throw CQmValidationException(

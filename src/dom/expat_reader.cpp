@@ -125,14 +125,38 @@ void XMLCALL CExpatReader::OnXmlDeclaration(void* self, const XML_Char*, const X
 
 CExpatReader::~CExpatReader() { XML_ParserFree(m_parser); }
 
-void CExpatReader::Parse(const char* data, std::size_t length, bool isFinal) {
+bool CExpatReader::Parse(const char* data, std::size_t length, bool isFinal) {
     if (length > static_cast<std::size_t>(INT32_MAX)) throw CQmInvalidParamException("Input piece too large");
     m_bufferKnown = false;
-    const XML_Status status = XML_Parse(m_parser, data, static_cast<int>(length), isFinal ? 1 : 0);
-    // The buffer may move in the next call: what is kept by reference is copied.
+    return Finish(XML_Parse(m_parser, data, static_cast<int>(length), isFinal ? 1 : 0));
+}
+
+bool CExpatReader::ParseCopy(const char* data, std::size_t length, bool isFinal) {
+    if (length > static_cast<std::size_t>(INT32_MAX)) throw CQmInvalidParamException("Input piece too large");
+    void* buffer = XML_GetBuffer(m_parser, static_cast<int>(length));
+    if (buffer == nullptr) {
+        // Expat refuses a buffer only for want of memory or after an error,
+        // which the plain call reports as it should.
+        return Parse(data, length, isFinal);
+    }
+    if (length > 0) std::memcpy(buffer, data, length);
+    m_bufferKnown = false;
+    return Finish(XML_ParseBuffer(m_parser, static_cast<int>(length), isFinal ? 1 : 0));
+}
+
+bool CExpatReader::Resume() {
+    m_bufferKnown = false;
+    return Finish(XML_ResumeParser(m_parser));
+}
+
+bool CExpatReader::Finish(int result) {
+    const auto status = static_cast<XML_Status>(result);
+    // The buffer may move in the next call: what is kept by reference is
+    // copied. A suspended parse goes on in the same buffer, but it is left to
+    // the caller for a while, so it is treated alike.
     m_bufferKnown = false;
     m_bufferBegin = m_bufferEnd = nullptr;
-    if (!m_error && status == XML_STATUS_OK) {
+    if (!m_error && status != XML_STATUS_ERROR) {
         try {
             KeepDirectText();
         } catch (...) {
@@ -141,12 +165,14 @@ void CExpatReader::Parse(const char* data, std::size_t length, bool isFinal) {
     }
     m_directText = nullptr;
     if (m_error) std::rethrow_exception(m_error);
+    if (status == XML_STATUS_SUSPENDED) return true;
     if (status != XML_STATUS_OK) {
         const XML_Error code = XML_GetErrorCode(m_parser);
         const char* text = XML_ErrorString(code);
         throw CQmException(FormatString("%s at line %d", text != nullptr ? text : "unknown error",
                                         static_cast<int>(XML_GetCurrentLineNumber(m_parser))));
     }
+    return false;
 }
 
 void CExpatReader::ParseAll(const char* data, std::size_t length) {
@@ -294,10 +320,16 @@ CExpatReader::Names CExpatReader::Lookup(const char* name) {
 void CExpatReader::StartElement(const char* name, const char** attributes) {
     KeepDirectText();  // the parent's text, before the child's begins
     const Names names = Lookup(name);
+    CXmlElement* previous = m_open.empty() ? nullptr : CXmlTreeBuilder::GetLastChild(m_open.back().element);
     CXmlElement* element = m_open.empty() ? CXmlTreeBuilder::CreateDocumentElement(m_document)
                                           : CXmlTreeBuilder::CreateChild(m_open.back().element);
     CXmlTreeBuilder::SetName(element, names.localName, names.namespaceURI);
-    m_open.push_back(OpenElement{element, m_pendingText.Size()});
+    m_open.push_back(OpenElement{element, m_pendingText.Size(), previous});
+    if (m_markOpen) CXmlTreeBuilder::SetOpen(element, true);
+    if (m_stopAtStart) {
+        m_stopAtStart = false;
+        XML_StopParser(m_parser, XML_TRUE);
+    }
 
     if (attributes[0] == nullptr) return;
     std::size_t count = 0;
@@ -326,7 +358,15 @@ void CExpatReader::EndElement() {
         CXmlTreeBuilder::AppendText(element, m_pendingText.Data() + start, m_pendingText.Size() - start);
         m_pendingText.Truncate(start);
     }
+    if (m_markOpen) CXmlTreeBuilder::SetOpen(element, false);
+    CXmlElement* const previous = m_open.back().previous;
     m_open.pop_back();
+    if (m_open.size() < m_stopBelow) XML_StopParser(m_parser, XML_TRUE);
+    if (m_discard && !m_open.empty()) {
+        CXmlTreeBuilder::UnlinkLastChild(m_open.back().element, previous);
+        CXmlTreeBuilder::DestroyElement(element);
+        return;
+    }
     // The document element has no parent to be removed from.
     if (m_filter != nullptr && !m_open.empty() && m_filter(element))
         CXmlTreeBuilder::DeleteLastChild(m_open.back().element);

@@ -55,7 +55,30 @@ public:
     CExpatReader& operator=(const CExpatReader&) = delete;
 
     // Throws "<Expat's message> at line <n>", or what a callback threw.
-    void Parse(const char* data, std::size_t length, bool isFinal);
+    // True when a stop (below) suspended the parser inside the piece: Resume
+    // goes on with it.
+    bool Parse(const char* data, std::size_t length, bool isFinal);
+    // As Parse, through a copy in Expat's own buffer. A parse suspended inside
+    // a caller's piece makes Expat copy the rest of the piece at every stop;
+    // from its own buffer it just goes on.
+    bool ParseCopy(const char* data, std::size_t length, bool isFinal);
+    bool Resume();
+
+    // For binding while parsing. Suspends the parser when an element ends
+    // leaving fewer than count open elements (0: never).
+    void SetStopBelow(std::size_t count) noexcept { m_stopBelow = count; }
+    // Suspends the parser once the document element has started.
+    void StopAtDocumentElement() noexcept { m_stopAtStart = true; }
+    // Tags elements as open from their start to their end, so that the
+    // tree's accessors know what is still to come.
+    void MarkOpenElements() noexcept { m_markOpen = true; }
+    // From now on every element is destroyed as it ends: what is left of a
+    // document once its object is read only needs checking.
+    void DiscardEndedElements() noexcept { m_discard = true; }
+    // The open elements, the document element first.
+    std::size_t GetOpenCount() const noexcept { return m_open.size(); }
+    CXmlElement* GetOpenElement(std::size_t index) const noexcept { return m_open[index].element; }
+
     // The whole input, fed in pieces so that Expat's own copy stays small.
     void ParseAll(const char* data, std::size_t length);
 
@@ -98,6 +121,7 @@ private:
     struct OpenElement {
         CXmlElement* element;
         std::size_t textStart;  // where its text begins in m_pendingText
+        CXmlElement* previous;  // its previous sibling, to unlink it when discarding
     };
     struct CacheSlot {
         std::size_t hash = 0;
@@ -114,6 +138,7 @@ private:
     static void XMLCALL OnXmlDeclaration(void* self, const XML_Char* version, const XML_Char* encoding,
                                          int standalone);
 
+    bool Finish(int status);
     void StartElement(const char* name, const char** attributes);
     void EndElement();
     void AppendText(const char* text, std::size_t length);
@@ -159,6 +184,10 @@ private:
     std::size_t m_cacheCount = 0;
     std::string m_scratch;
     std::exception_ptr m_error;
+    std::size_t m_stopBelow = 0;
+    bool m_stopAtStart = false;
+    bool m_markOpen = false;
+    bool m_discard = false;
 };
 
 }  // namespace QmXmlLib10

@@ -9,6 +9,7 @@
 #include "dom/expat_reader.h"
 #include "dom/xml_document_loading.h"
 #include "dom/xml_node_pool.h"
+#include "dom/xml_stream_source.h"
 #include "platform/file_reader.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
@@ -139,6 +140,7 @@ CXmlDocument::CXmlDocument(ElementFilter filter, const CXmlSerializationContext&
 CXmlDocument::~CXmlDocument() { CXmlTreeBuilder::Clear(*this); }
 
 void CXmlDocument::Cleanup() {
+    m_stream.reset();
     CXmlTreeBuilder::Clear(*this);
     m_namespaces.clear();
     m_fastInfosetStatistics.reset();
@@ -170,6 +172,25 @@ void CXmlDocument::DetectText(const unsigned char* data, std::size_t length) {
 
 void CXmlDocument::ParseText(const unsigned char* data, std::size_t length) {
     DetectText(data, length);
+    if (m_streamRequested) {
+        // The same pieces ParseAll feeds, handed over as the parser asks.
+        const char* const text = reinterpret_cast<const char*>(data);
+        std::size_t offset = 0;
+        bool done = false;
+        auto next = [text, length, offset, done](const char*& piece, std::size_t& size, bool& last) mutable {
+            if (done) return false;
+            size = std::min(length - offset, CExpatReader::kPieceSize);
+            piece = text + offset;
+            offset += size;
+            last = done = offset == length;
+            return true;
+        };
+        m_stream = CXmlStreamSource::Create(
+            std::make_unique<CExpatReader>(*this, m_schemaType != SchemaType_NoNamespaces, !m_context->GetStripCDATA()),
+            std::move(next));
+        m_stream->ReadToDocumentElement();
+        return;
+    }
     CExpatReader reader(*this, m_schemaType != SchemaType_NoNamespaces, !m_context->GetStripCDATA());
     reader.ParseAll(reinterpret_cast<const char*>(data), length);
 }
@@ -200,6 +221,7 @@ void CXmlDocument::LoadDetected(const unsigned char* data, std::size_t length) {
         return;
     }
     ParseText(data, length);
+    if (m_stream && !inflated.empty()) m_stream->Adopt(std::move(inflated));
 }
 
 void CXmlDocument::LoadXml(const char* xml) {
@@ -226,6 +248,7 @@ void CXmlDocument::LoadXml(const unsigned short* xml) {
         bytes[3 + 2 * i] = static_cast<unsigned char>(xml[i] >> 8);
     }
     ParseText(bytes.data(), bytes.size());
+    if (m_stream) m_stream->Adopt(std::move(bytes));
 }
 
 void CXmlDocument::LoadXmlStream(unsigned char* const data, std::uint32_t length) {
@@ -249,23 +272,42 @@ void CXmlDocument::Load(const char* fileName) {
     }  // closed before parsing
     if (length == 0) throw CQmException("Invalid or empty XML document");
     LoadDetected(contents.get(), length);
+    if (m_stream) m_stream->Adopt(std::move(contents));
 }
 
 void CXmlDocument::LoadFileInChunks(const char* fileName) {
-    platform::CFileReader file(fileName);
-    std::unique_ptr<unsigned char[]> chunk(new unsigned char[kFileChunk]);
-    CExpatReader reader(*this, m_schemaType != SchemaType_NoNamespaces, !m_context->GetStripCDATA());
-    std::size_t total = 0;
-    for (;;) {
-        const std::size_t got = file.ReadChunk(chunk.get(), kFileChunk);
-        total += got;
+    // Shared with the stream source when the document is read while binding.
+    struct ChunkedFile {
+        explicit ChunkedFile(const char* name) : file(name), chunk(new unsigned char[kFileChunk]) {}
+        platform::CFileReader file;
+        std::unique_ptr<unsigned char[]> chunk;
+        std::size_t total = 0;
+        bool done = false;
+    };
+    auto input = std::make_shared<ChunkedFile>(fileName);
+    auto next = [this, input](const char*& piece, std::size_t& size, bool& last) {
+        if (input->done) return false;
+        const std::size_t got = input->file.ReadChunk(input->chunk.get(), kFileChunk);
+        input->total += got;
         // Expat reports an empty input as a parse error; an empty file is refused plainly.
-        if (total == 0) throw CQmException("Invalid or empty XML document");
-        if (total == got) DetectText(chunk.get(), got);
+        if (input->total == 0) throw CQmException("Invalid or empty XML document");
+        if (input->total == got) DetectText(input->chunk.get(), got);
         // A short chunk is the last; after a full one, the final call may be empty.
-        const bool last = got < kFileChunk;
-        reader.Parse(reinterpret_cast<const char*>(chunk.get()), got, last);
-        if (last) break;
+        last = input->done = got < kFileChunk;
+        piece = reinterpret_cast<const char*>(input->chunk.get());
+        size = got;
+        return true;
+    };
+    auto reader =
+        std::make_unique<CExpatReader>(*this, m_schemaType != SchemaType_NoNamespaces, !m_context->GetStripCDATA());
+    if (m_streamRequested) {
+        m_stream = CXmlStreamSource::Create(std::move(reader), std::move(next));
+        m_stream->ReadToDocumentElement();
+    } else {
+        const char* piece = nullptr;
+        std::size_t size = 0;
+        bool last = false;
+        while (next(piece, size, last)) reader->Parse(piece, size, last);
     }
     if (m_documentElement == nullptr) throw CQmException("Invalid or empty XML document");
 }

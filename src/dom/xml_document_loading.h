@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -14,6 +15,7 @@ namespace QmXmlLib10 {
 
 class CXmlNodePool;
 class CXmlSerializationContext;
+class CXmlStreamSource;
 
 // Loads a Fast Infoset document into document through CXmlTreeBuilder and
 // CXmlDocumentLoading. Returns false, having built nothing, when the bytes are
@@ -53,6 +55,23 @@ public:
     }
     // The schema type read from the context when the document was constructed.
     static int GetSchemaType(const CXmlDocument& document) noexcept { return document.m_schemaType; }
+
+    // Reading while binding. After RequestStreaming, the next load of XML
+    // text parses only up to the start of the document element (Fast
+    // Infoset is still loaded whole); the tree then grows as its accessors
+    // reach what has not been parsed yet. Bind runs the binding, reads the
+    // rest of the input (keeping none of it) and reports as loading and
+    // binding a whole tree would: the parser's error when the document is
+    // not well formed, even where binding failed first, otherwise what
+    // binding threw. A whole tree that fails to load binds nothing, so
+    // before the parser's error is thrown, undo (when given) takes back what
+    // binding did.
+    static void RequestStreaming(CXmlDocument& document) noexcept { document.m_streamRequested = true; }
+    static CXmlStreamSource* GetStream(const CXmlDocument& document) noexcept { return document.m_stream.get(); }
+    static void Bind(CXmlDocument& document, const std::function<void()>& bind,
+                     const std::function<void()>& undo = nullptr);
+    // Parses the rest into the tree, as loading would have.
+    static void ReadWhole(CXmlDocument& document);
 };
 
 }  // namespace QmXmlLib10

@@ -173,13 +173,13 @@ void CXmlElement::AddAttribute(const std::string* internedLocalName, std::string
 }
 
 void CXmlElement::SetText(const std::string* text, bool owned) noexcept {
-    static_assert(alignof(std::string) > kOwnedText, "the tag needs a free low bit");
-    m_text = reinterpret_cast<std::uintptr_t>(text) | (owned ? kOwnedText : 0);
+    static_assert(alignof(std::string) > kTagBits, "the tags need two free low bits");
+    m_text = reinterpret_cast<std::uintptr_t>(text) | (owned ? kOwnedText : 0) | (m_text & kOpenElement);
 }
 
 void CXmlElement::ReleaseText() noexcept {
     if ((m_text & kOwnedText) == 0) return;
-    std::string* text = reinterpret_cast<std::string*>(m_text & ~kOwnedText);
+    std::string* text = reinterpret_cast<std::string*>(m_text & ~kTagBits);
     text->~basic_string();
     PoolOf(m_document).Release(text, sizeof(std::string), CXmlNodePool::Uncounted);
     SetText(&CXmlNameTable::EmptyString(), false);
@@ -187,9 +187,10 @@ void CXmlElement::ReleaseText() noexcept {
 
 void CXmlElement::AppendText(std::string_view text) {
     if (text.empty()) return;
-    const std::string& current = GetText();
+    // The element may be open (read while binding): its text as stored, without reading on.
+    const std::string& current = *reinterpret_cast<const std::string*>(m_text & ~kTagBits);
     if ((m_text & kOwnedText) != 0) {
-        reinterpret_cast<std::string*>(m_text & ~kOwnedText)->append(text.data(), text.size());
+        reinterpret_cast<std::string*>(m_text & ~kTagBits)->append(text.data(), text.size());
         return;
     }
     std::string joined;

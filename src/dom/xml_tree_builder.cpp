@@ -78,6 +78,46 @@ bool CXmlTreeBuilder::DeleteLastChild(CXmlElement* parent) noexcept {
     return child != nullptr;
 }
 
+CXmlElement* CXmlTreeBuilder::GetLastChild(const CXmlElement* parent) noexcept { return parent->m_lastChild; }
+
+void CXmlTreeBuilder::UnlinkLastChild(CXmlElement* parent, CXmlElement* previous) noexcept {
+    if (previous == nullptr) {
+        parent->m_firstChild = nullptr;
+    } else {
+        previous->m_nextSibling = nullptr;
+    }
+    parent->m_lastChild = previous;
+}
+
+void CXmlTreeBuilder::SetOpen(CXmlElement* element, bool open) noexcept {
+    if (open) {
+        element->m_text |= CXmlElement::kOpenElement;
+    } else {
+        element->m_text &= ~CXmlElement::kOpenElement;
+    }
+}
+
+bool CXmlTreeBuilder::IsOpen(const CXmlElement* element) noexcept {
+    return (element->m_text & CXmlElement::kOpenElement) != 0;
+}
+
+CXmlElement* CXmlTreeBuilder::PeekFirstChild(const CXmlElement* element) noexcept { return element->m_firstChild; }
+
+CXmlElement* CXmlTreeBuilder::PeekNextSibling(const CXmlElement* element) noexcept {
+    return element->m_nextSibling;
+}
+
+void CXmlTreeBuilder::DestroyChildren(CXmlElement* element) noexcept {
+    CXmlElement* child = element->m_firstChild;
+    element->m_firstChild = nullptr;
+    element->m_lastChild = nullptr;
+    while (child != nullptr) {
+        CXmlElement* next = child->m_nextSibling;
+        CXmlElement::Destroy(child);  // unlinks it from its siblings first
+        child = next;
+    }
+}
+
 CXmlTreeBuilder::PoolStatistics CXmlTreeBuilder::GetPoolStatistics(const CXmlDocument& document) noexcept {
     const CXmlNodePool& pool = CXmlDocumentLoading::GetNodePool(document);
     return PoolStatistics{pool.GetLiveCount(), pool.GetReservedBytes(), pool.GetChunkCount()};

@@ -453,14 +453,11 @@ bool CElementInfoUntpd<Group, Mandatory>::ElementFromXml(const CXmlSerialization
         const std::string ns = this->GetAnyDefaultNamespace(m_restriction.c_str(), m_defaultNamespace.c_str(), target);
         member = new CElement(this->GetElementName().c_str(), ns.c_str());
     }
-    const bool nil = this->IsNilElement(*current);
+    // The nil marker's value is checked; the element is kept whole, content
+    // included: an untyped member (a skip wildcard above all) asserts nothing
+    // about it, and dropping it would lose what the document holds.
+    this->IsNilElement(*current);
     ReadMemberObject(member, nullptr, current, ctx, false);
-    if (nil) {
-        if (auto* element = dynamic_cast<CElement*>(member.Get())) {
-            element->SetText("");
-            if (element->GetElementCount() > 0) element->GetElements().Clear();
-        }
-    }
     StoreObject(obj, this->GetPropertyIndex(), member);
     return true;
 }

@@ -1,9 +1,13 @@
 #include "qmxml/schema/dynamic_classes.h"
 
+#include <algorithm>
+#include <iterator>
+#include <map>
 #include <sstream>
 #include <typeinfo>
 #include <unordered_set>
 
+#include "dom/xml_document_loading.h"
 #include "mapping.h"
 #include "qmxml/collections/class_collection.h"
 #include "qmxml/collections/element.h"
@@ -19,6 +23,7 @@
 #include "qmxml/schema/element_declaration.h"
 #include "qmxml/schema/schema_exception.h"
 #include "qmxml/schema/wildcard.h"
+#include "qmxml/writer/xml_writer.h"
 
 namespace QmXmlLib10 {
 namespace Schema {
@@ -259,6 +264,11 @@ std::string CDynamicObject::GetTypeName() const {
     return m_description->typeName.local;
 }
 
+std::string CDynamicObject::GetTypeNamespace() const {
+    if (!m_retyped || m_description->typeName.IsEmpty()) return std::string();
+    return m_description->typeName.ns;
+}
+
 bool CDynamicObject::HasSameClassAs(const CXmlGeneratedClass& other) const {
     const auto* dynamic = dynamic_cast<const CDynamicObject*>(&other);
     return dynamic != nullptr && dynamic->m_description == m_description;
@@ -268,6 +278,13 @@ void CDynamicObject::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elem
                                const CXmlSerializationContext& ctx, bool asChoiceMember) const {
     const std::string typeName = isRoot && ctx.GetWriteTypeAttribute() ? GetTypeName() : std::string();
     WriteObject(writer, isRoot, elementName, ctx, asChoiceMember, typeName.empty() ? nullptr : typeName.c_str());
+}
+
+void CDynamicObject::AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const {
+    for (const auto& declaration : m_valuePrefixes) {
+        writer->DeclarePrefix(declaration.first.c_str(), declaration.second.c_str());
+    }
+    CXmlGeneratedClass::AttributesToXml_Int(writer, ctx);
 }
 
 std::string CDynamicObject::GetTargetNamespace() const {
@@ -353,6 +370,31 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::CreateRootObject(const std::string& 
     return object;
 }
 
+namespace {
+
+bool IsQNameSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+// Marks the declared prefixes that begin a whitespace-separated token of text
+// ("p:local"); returns how many are marked so far.
+std::size_t MarkPrefixes(const std::string& text, const std::map<std::string, std::string>& declared,
+                         std::vector<bool>& used, std::size_t count) {
+    for (std::size_t colon = text.find(':'); colon != std::string::npos; colon = text.find(':', colon + 1)) {
+        std::size_t begin = colon;
+        while (begin > 0 && !IsQNameSpace(text[begin - 1])) --begin;
+        if (begin == colon) continue;
+        const auto found = declared.find(text.substr(begin, colon - begin));
+        if (found == declared.end()) continue;
+        const auto index = static_cast<std::size_t>(std::distance(declared.begin(), found));
+        if (!used[index]) {
+            used[index] = true;
+            ++count;
+        }
+    }
+    return count;
+}
+
+}  // namespace
+
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
                                                      const CXmlSerializationContext& ctx) const {
     const CXmlElement* root = document.GetDocumentElement();
@@ -394,7 +436,8 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
     object->m_rootNamespace = root->GetNamespaceURI();
     object->m_isRoot = true;
     object->FromXmlElement(root, ctx);
-    if (m_index->mapped.usesIds) CheckIdentifiers(*object);
+    object->m_valuePrefixes = ValuePrefixes(document.GetDeclaredNamespaces(), *object);
+    if (m_index->mapped.usesIds) CheckIdentifiers(*object, document);
     return object;
 }
 
@@ -462,7 +505,22 @@ void CDynamicClassSet::CheckWildcardContent(const CDynamicObject& object, const 
     }
 }
 
-void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
+namespace {
+
+// A bound QName keeps its text, so its prefix is resolved here or never. The
+// tree keeps the declarations document-wide, not per element: a prefix
+// declared elsewhere in the document passes.
+void CheckQNamePrefix(const std::string& text, const std::string& member, const CXmlDocument& document) {
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos || text.compare(0, colon, "xml") == 0) return;
+    if (!document.LookupNamespaceFromAlias(text.substr(0, colon).c_str()).empty()) return;
+    throw CQmValidationException(
+        FormatString("The prefix of the QName [%s] of [%s] is not declared", text.c_str(), member.c_str()));
+}
+
+}  // namespace
+
+void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root, const CXmlDocument& document) const {
     std::unordered_set<std::string> ids;
     std::vector<std::string> references;
     // The bound objects are walked with a stack of their own: documents nest
@@ -489,6 +547,7 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
                         std::istringstream items(text);
                         for (std::string item; items >> item;) references.push_back(item);
                     }
+                    if (kind == 4) CheckQNamePrefix(text, properties[i].name, document);
                     break;
                 }
                 case CPropertyDescription::Kind::Object: {
@@ -500,6 +559,13 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
                 }
                 case CPropertyDescription::Kind::Collection: {
                     const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
+                    if (runtime.properties[i].idKind == 4) {
+                        if (const auto* values = dynamic_cast<const CXmlTypeCollection*>(held.Get())) {
+                            for (int k = 0; k < values->GetCount(); ++k)
+                                CheckQNamePrefix(values->GetItemAsString(k), properties[i].name, document);
+                        }
+                        break;
+                    }
                     const auto* collection = dynamic_cast<const CXmlCollection*>(held.Get());
                     if (collection == nullptr) break;
                     for (auto* node = collection->GetFirstNode(); node; node = node->GetNext()) {
@@ -520,11 +586,96 @@ void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root) const {
     }
 }
 
+std::vector<std::pair<std::string, std::string>> CDynamicClassSet::ValuePrefixes(
+    const std::map<std::string, std::string>& declared, const CDynamicObject& root) const {
+    std::vector<std::pair<std::string, std::string>> kept;
+    const bool any = std::any_of(declared.begin(), declared.end(),
+                                 [](const auto& d) { return !d.first.empty() && !d.second.empty(); });
+    if (!any) return kept;
+    std::vector<bool> used(declared.size(), false);
+    std::size_t count = 0;
+    // Bound objects and untyped elements, each walked with a stack of its own
+    // (documents nest deeper than recursion would allow); done once every
+    // declared prefix is found.
+    std::vector<const CDynamicObject*> objects{&root};
+    std::vector<CElement*> elements;
+    const auto markAttributes = [&](const CAttributeCol& attributes) {
+        for (const CAttribute* attribute : attributes) count = MarkPrefixes(attribute->GetValue(), declared, used, count);
+    };
+    while ((!objects.empty() || !elements.empty()) && count < declared.size()) {
+        if (!elements.empty()) {
+            CElement* element = elements.back();
+            elements.pop_back();
+            if (element->GetAttributeCount() > 0) markAttributes(element->GetAttributes());
+            count = MarkPrefixes(element->GetText(), declared, used, count);
+            if (element->GetElementCount() > 0) {
+                for (CElement* child : element->GetElements()) elements.push_back(child);
+            }
+            continue;
+        }
+        const CDynamicObject* object = objects.back();
+        objects.pop_back();
+        const auto& properties = object->m_description->properties;
+        for (size_t i = 0; i < properties.size(); ++i) {
+            const QmVariant& value = object->m_values[i];
+            if (!value.IsValid() || value.IsNil()) continue;
+            switch (properties[i].kind) {
+                case CPropertyDescription::Kind::Value:
+                    if (properties[i].itemType == ItemType_string) {
+                        count = MarkPrefixes(value.GetString(), declared, used, count);
+                    }
+                    break;
+                case CPropertyDescription::Kind::Object:
+                case CPropertyDescription::Kind::Element: {
+                    const CSmartPtr<CXmlObjectBase> member = value.GetXmlObject();
+                    if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(member.Get())) {
+                        objects.push_back(dynamic);
+                    } else if (auto* element = dynamic_cast<CElement*>(member.Get())) {
+                        elements.push_back(element);
+                    }
+                    break;
+                }
+                case CPropertyDescription::Kind::Collection: {
+                    const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
+                    if (const auto* strings = dynamic_cast<const CXmlTypeCollection*>(held.Get())) {
+                        if (strings->GetItemType() != ItemType_string) break;
+                        for (std::int32_t k = 0; k < strings->GetCount(); ++k) {
+                            count = MarkPrefixes(strings->GetItemAsString(k), declared, used, count);
+                        }
+                    } else if (const auto* collection = dynamic_cast<const CXmlCollection*>(held.Get())) {
+                        for (auto* node = collection->GetFirstNode(); node; node = node->GetNext()) {
+                            if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(node->GetItem())) {
+                                objects.push_back(dynamic);
+                            } else if (auto* element = dynamic_cast<CElement*>(node->GetItem())) {
+                                elements.push_back(element);
+                            }
+                        }
+                    }
+                    break;
+                }
+                case CPropertyDescription::Kind::Attributes: {
+                    const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
+                    if (const auto* attributes = dynamic_cast<const CAttributeCol*>(held.Get())) markAttributes(*attributes);
+                    break;
+                }
+            }
+        }
+    }
+    std::size_t index = 0;
+    for (const auto& d : declared) {
+        if (used[index++] && !d.first.empty() && !d.second.empty()) kept.emplace_back(d.first, d.second);
+    }
+    return kept;
+}
+
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadFile(const std::string& path,
                                                      const CXmlSerializationContext& ctx) const {
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.Load(path.c_str());
-    return ReadRoot(document, ctx);
+    CSmartPtr<CDynamicObject> object;
+    CXmlDocumentLoading::Bind(document, [&] { object = ReadRoot(document, ctx); });
+    return object;
 }
 
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadBuffer(const void* data, std::size_t size,
@@ -532,8 +683,11 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadBuffer(const void* data, std::si
     if (size > 0xffffffffu) throw CQmInvalidParamException("The document is larger than 4 GiB");
     std::string copy(static_cast<const char*>(data), size);
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.LoadXmlStream(reinterpret_cast<unsigned char*>(&copy[0]), static_cast<std::uint32_t>(copy.size()));
-    return ReadRoot(document, ctx);
+    CSmartPtr<CDynamicObject> object;
+    CXmlDocumentLoading::Bind(document, [&] { object = ReadRoot(document, ctx); });
+    return object;
 }
 
 CSmartPtr<CXmlObjectBase> CDynamicClassSet::CreateMember(int classIndex, const char*) const {

@@ -426,7 +426,10 @@ private:
             const bool fixed = element->valueConstraint.kind == CValueConstraint::Fixed;
             runtime.facets.SetValueRule(MakeValueRule(simple, fixed ? &element->valueConstraint : nullptr));
             runtime.rule = BindingWhitespaceRule(simple);
-            if (!collection) runtime.idKind = IdKind(simple);
+            // Repeating QNames are checked item by item; repeating IDs and
+            // IDREFs are not collected.
+            const int idKind = IdKind(simple);
+            if (!collection || idKind == 4) runtime.idKind = idKind;
             if (collection) {
                 build.elements.push_back(MakeCollectionInfo(groupType, name.c_str(), ns.c_str(), propertyIndex));
             } else {
@@ -472,6 +475,7 @@ private:
     int IdKind(const CSimpleType* type) {
         const CSimpleType* id = m_set.GetBuiltInType("ID");
         const CSimpleType* idref = m_set.GetBuiltInType("IDREF");
+        const CSimpleType* qname = m_set.GetBuiltInType("QName");
         int kind = 0;
         if (id != nullptr && type->DerivesFrom(id)) {
             kind = 1;
@@ -480,6 +484,8 @@ private:
         } else if (type->variety == CSimpleType::Variety::List && type->itemType != nullptr && idref != nullptr &&
                    type->itemType->DerivesFrom(idref)) {
             kind = 3;
+        } else if (qname != nullptr && type->DerivesFrom(qname)) {
+            kind = 4;
         }
         if (kind != 0) m_out.usesIds = true;
         return kind;

@@ -27,7 +27,8 @@ struct CPropertyRuntime {
     XmlElementType itemElementType = XmlElementType_Element;  // class collections
     ItemType itemType = ItemType_None;                         // global attributes
     // Values of ID types must be unique in a document and IDREFs must name
-    // one: 1 ID, 2 IDREF, 3 a list of IDREFs.
+    // one: 1 ID, 2 IDREF, 3 a list of IDREFs. 4: a QName, whose prefix the
+    // document must declare.
     int idKind = 0;
 };
 
@@ -59,7 +60,7 @@ struct CMappedSet {
     // is checked when the wildcard's processContents asks for it.
     std::map<std::pair<std::string, std::string>, CPropertyRuntime> globalAttributes;
     std::vector<const CTypeDefinition*> classTypes;  // per class: its type, null for groups
-    bool usesIds = false;  // some member holds ID or IDREF values
+    bool usesIds = false;  // some member holds ID, IDREF or QName values
 };
 
 // Maps every global element and named complex type of the set, and

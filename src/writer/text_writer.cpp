@@ -149,6 +149,10 @@ void CXmlTextWriter::WriteNamespaceDeclaration(const std::string& prefix, const 
     m_buffer.Append('"');
 }
 
+void CXmlTextWriter::WritePrefixDeclaration(const std::string& prefix, std::string_view namespaceURI) {
+    WriteNamespaceDeclaration(prefix, std::string(namespaceURI));
+}
+
 void CXmlTextWriter::WriteNamespaceName(const char* uri) {
     // A namespace name must read back exactly, or the names in it change:
     // unlike in attribute values, tabs and carriage returns are written as

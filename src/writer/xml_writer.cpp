@@ -160,6 +160,36 @@ const std::string* CXmlWriter::AttributePrefix(CXmlWriterContext& context, std::
     return &m_attributePrefix;
 }
 
+std::string CXmlWriter::QualifyName(const char* namespaceURI, const char* localName) {
+    CXmlWriterContext& context = RequireStartTag();
+    const std::string_view uri = namespaceURI ? namespaceURI : "";
+    const std::string local = localName ? localName : "";
+    if (uri.empty() || uri == GetDefaultNamespaceInScope(context)) return local;
+    bool declared = false;
+    const std::string* prefix = AttributePrefix(context, uri, declared);
+    const std::string name = *prefix + ":" + local;
+    if (declared) WritePrefixDeclaration(*prefix, uri);
+    return name;
+}
+
+void CXmlWriter::WritePrefixDeclaration(const std::string&, std::string_view) {}
+
+bool CXmlWriter::DeclarePrefix(const char* prefix, const char* namespaceURI) {
+    CXmlWriterContext& context = RequireStartTag();
+    const std::string_view name = prefix ? prefix : "";
+    const std::string_view uri = namespaceURI ? namespaceURI : "";
+    if (name.empty() || uri.empty() || name == "xml" || name == "xmlns" || context.IsPrefixInScope(name)) return false;
+    if (!IsPlainAsciiName(name) || name.find(':') != std::string_view::npos) return false;
+    // One prefix per URI on an element: the one it has stays (its name may use it).
+    for (std::size_t i = 0; i < context.GetOwnNamespaceCount(); ++i) {
+        if (context.GetOwnNamespaceURI(i) == uri) return false;
+    }
+    CheckNamespaceName(uri);
+    context.AddNamespace(uri, name);
+    WritePrefixDeclaration(std::string(name), uri);
+    return true;
+}
+
 void CXmlWriter::WriteTypeAttribute(const char* typeName) { WriteAttribute("type", XsiNamespaceURI, typeName); }
 
 void CXmlWriter::WriteNilAttribute() { WriteAttribute("nil", XsiNamespaceURI, "true"); }

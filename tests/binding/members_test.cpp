@@ -81,14 +81,14 @@ TEST(Nil, ClassMembers) {
 
 TEST(Nil, UntypedMembers) {
     CSmartPtr<Chart> chart = new Chart();
-    // Kept whole with its nil marker; the content of a nil element is dropped.
+    // Kept whole with its nil marker, content included: nothing read is lost.
     chart->FromXml(ChartDoc("", "<Legend/>", "<Raw k=\"v\" xsi:nil=\"true\">text<Child/></Raw>").c_str());
     ASSERT_TRUE(chart->raw);
-    EXPECT_EQ(chart->raw->GetText(), "");
-    EXPECT_EQ(chart->raw->GetElementCount(), 0);
+    EXPECT_EQ(chart->raw->GetText(), "text");
+    EXPECT_EQ(chart->raw->GetElementCount(), 1);
     EXPECT_EQ(chart->raw->GetAttributeCount(), 2);
     const std::string xml = chart->ToXml(false, false);
-    EXPECT_EQ(xml, "<Chart xmlns=\"urn:f\"><Legend/><Axis/><Raw k=\"v\" " + kNil + "/></Chart>");
+    EXPECT_EQ(xml, "<Chart xmlns=\"urn:f\"><Legend/><Axis/><Raw k=\"v\" " + kNil + ">text<Child/></Raw></Chart>");
     CSmartPtr<Chart> again = new Chart();
     again->FromXml(xml.c_str());
     EXPECT_EQ(again->ToXml(false, false), xml);

@@ -508,3 +508,15 @@ TEST(FastInfosetWriter, EntryPointsOnAnElement) {
     EXPECT_EQ(ctx.GetFIContext().GetVocabulary()->GetLocalNamesTable().GetCount(), 1u);
     EXPECT_EQ(ctx.GetFIContext().GetVocabulary()->GetNamespaceNamesTable().GetCount(), 1u);
 }
+
+TEST(FastInfosetWriter, QualifiedNamesInValuesDeclareTheirPrefix) {
+    std::string name;
+    const Octets body = Body([&name](CFastInfosetWriter& w) {
+        w.StartElement("r", "");
+        name = w.QualifyName("urn:t", "t");
+        w.EndElement();
+    });
+    EXPECT_EQ(name, "AA:t");
+    // r in no namespace, with one declaration: AA for urn:t.
+    EXPECT_EQ(body, Cat({{0x38, 0xCF, 0x01, 'A', 'A', 0x04}, Text("urn:t"), {0xF0, 0x3C, 0x00, 'r', 0xFF}}));
+}

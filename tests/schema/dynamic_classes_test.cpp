@@ -206,6 +206,26 @@ const Case kCases[] = {
      "<xs:complexType><xs:attribute name='id' type='xs:ID'/><xs:attribute name='to' type='xs:IDREFS'/>"
      "</xs:complexType></xs:element></xs:sequence></xs:complexType></xs:element>",
      "<r xmlns='urn:t'><p id='a' to='a b'/><p id='b' to='c'/></r>", "!The IDREF value [c] matches no ID"},
+    {"QNameWithAnUndeclaredPrefix",
+     "<xs:element name='r'><xs:complexType><xs:attribute name='q' type='xs:QName'/></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' q='foo:bar'/>", "!The prefix of the QName [foo:bar] of [q] is not declared"},
+    {"QNameOfARestrictedTypeWithAnUndeclaredPrefix",
+     "<xs:simpleType name='ref'><xs:restriction base='xs:QName'><xs:pattern value='[a-z]+:.*'/></xs:restriction>"
+     "</xs:simpleType><xs:element name='r'><xs:complexType><xs:sequence><xs:element name='e' type='ref'/>"
+     "</xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t'><e>q:x</e></r>",
+     "!The prefix of the QName [q:x] of [e] is not declared"},
+    {"RepeatingQNameWithAnUndeclaredPrefix",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='e' type='xs:QName' "
+     "maxOccurs='unbounded'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:p='urn:p'><e>p:x</e><e>y</e><e>q:z</e></r>",
+     "!The prefix of the QName [q:z] of [e] is not declared"},
+    // The declaration a value uses is written back on the root.
+    {"QNameWithADeclaredPrefix",
+     "<xs:element name='r'><xs:complexType><xs:attribute name='q' type='xs:QName'/>"
+     "<xs:attribute name='l' type='xs:QName'/></xs:complexType></xs:element>",
+     "<r xmlns='urn:t' xmlns:p='urn:p' q='p:bar' l='xml:lang'/>",
+     "<r xmlns=\"urn:t\" xmlns:p=\"urn:p\" q=\"p:bar\" l=\"xml:lang\"/>"},
     {"EmptySimpleRootTakesItsFixedValue", "<xs:element name='r' type='xs:int' fixed='5'/>", "<r xmlns='urn:t'/>",
      "<r xmlns=\"urn:t\">5</r>"},
     {"SimpleRootOtherThanItsFixedValue", "<xs:element name='r' type='xs:int' fixed='5'/>",
@@ -239,6 +259,48 @@ TEST(DynamicXsiType, IsLeftOutWhenTheContextSaysSo) {
                         "<v><a>0</a></v><v xsi:type='mt'><a>1</a><b>2</b></v></r>",
                         ctx),
               "<r xmlns=\"urn:t\"><v><a>0</a></v><v><a>1</a><b>2</b></v></r>");
+}
+
+TEST(DynamicXsiType, NamesTheTypeInItsNamespace) {
+    // v is unqualified, so its element is in no namespace while its types are
+    // in urn:t: the written xsi:type needs a prefix of its own.
+    const auto classes = CDynamicClassSet::Create(CSchemaSet::LoadBuffer(Xsd(
+        "<xs:complexType name='ht'><xs:sequence><xs:element name='a' type='xs:int'/></xs:sequence></xs:complexType>"
+        "<xs:complexType name='mt'><xs:complexContent><xs:extension base='ht'><xs:sequence>"
+        "<xs:element name='b' type='xs:int'/></xs:sequence></xs:extension></xs:complexContent></xs:complexType>"
+        "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='v' type='ht'/>"
+        "</xs:sequence></xs:complexType></xs:element>")));
+    const std::string written = RoundTrip(*classes,
+                                          "<t:r xmlns:t='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>"
+                                          "<v xsi:type='t:mt'><a>1</a><b>2</b></v></t:r>");
+    // The writer declares a prefix of its own for the type's namespace.
+    EXPECT_EQ(written,
+              "<r xmlns=\"urn:t\"><v xmlns=\"\" xmlns:AA=\"urn:t\" "
+              "xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"AA:mt\"><a>1</a><b>2</b></v></r>");
+    // What was written reads back as the same type.
+    EXPECT_EQ(RoundTrip(*classes, written), written);
+}
+
+TEST(DynamicQNames, KeepThePrefixesTheirValuesUse) {
+    const auto classes = Classes(
+        "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='q' type='xs:QName'/>"
+        "<xs:element name='t' type='xs:time'/></xs:sequence></xs:complexType></xs:element>");
+    // p is used by a value and kept; u is declared but unused.
+    EXPECT_EQ(RoundTrip(*classes,
+                        "<r xmlns='urn:t' xmlns:p='urn:p' xmlns:u='urn:u'><q> p:x </q>"
+                        "<t>12:30:00</t></r>"),
+              "<r xmlns=\"urn:t\" xmlns:p=\"urn:p\"><q>p:x</q><t>12:30:00</t></r>");
+}
+
+TEST(DynamicQNames, KeepThePrefixesOfUntypedContent) {
+    const auto classes = Classes(
+        "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='u' type='xs:anyType'/>"
+        "</xs:sequence></xs:complexType></xs:element>");
+    EXPECT_EQ(RoundTrip(*classes,
+                        "<r xmlns='urn:t' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' "
+                        "xmlns:xsd='http://www.w3.org/2001/XMLSchema'><u xsi:type='xsd:boolean'>1</u></r>"),
+              "<r xmlns=\"urn:t\" xmlns:xsd=\"http://www.w3.org/2001/XMLSchema\"><u "
+              "xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"xsd:boolean\">1</u></r>");
 }
 
 TEST(DynamicClassSet, DescribesEachClass) {

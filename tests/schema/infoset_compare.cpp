@@ -744,10 +744,11 @@ private:
                 if (item.child >= 0 || (!textCompared && !IsWhitespaceOnly(item.text))) items.push_back(&item);
             return items;
         };
-        const std::vector<const Item*> ia = significant(m_a.nodes[f.a]);
-        const std::vector<const Item*> ib = significant(m_b.nodes[f.b]);
-        const std::vector<std::string> pa = ChildLabels(m_a, f.a);
-        const std::vector<std::string> pb = ChildLabels(m_b, f.b);
+        std::vector<const Item*> ia = significant(m_a.nodes[f.a]);
+        std::vector<const Item*> ib = significant(m_b.nodes[f.b]);
+        std::vector<std::string> pa = ChildLabels(m_a, f.a);
+        std::vector<std::string> pb = ChildLabels(m_b, f.b);
+        if (IsAllGroup(type)) InOneOrder(ia, pa, ib, pb);
         std::vector<Frame> children;
         std::size_t i = 0, j = 0, ca = 0, cb = 0;
         for (; i < ia.size() || j < ib.size(); ++i, ++j) {
@@ -777,6 +778,63 @@ private:
         }
         for (auto it = children.rbegin(); it != children.rend(); ++it) stack.push_back(std::move(*it));
         return std::string();
+    }
+
+    static bool IsAllGroup(const CTypeDefinition* type) {
+        if (type == nullptr || type->IsSimple()) return false;
+        const CParticle* model = static_cast<const CComplexType*>(type)->contentModel;
+        return model != nullptr && model->termKind == CParticle::TermKind::ModelGroup && model->modelGroup != nullptr &&
+               model->modelGroup->compositor == CModelGroup::Compositor::All;
+    }
+
+    // An all group's children may come in any order and mean the same (a
+    // bound class writes them in declaration order). The walk pairs children
+    // by position, so both sides are put in one order first: the children
+    // the two share by name in the original's order, then the original's
+    // unmatched ones (reported missing), then the copy's (reported extra).
+    // With text among them the comparison stays positional.
+    void InOneOrder(std::vector<const Item*>& ia, std::vector<std::string>& pa, std::vector<const Item*>& ib,
+                    std::vector<std::string>& pb) const {
+        for (const Item* item : ia)
+            if (item->child < 0) return;
+        for (const Item* item : ib)
+            if (item->child < 0) return;
+        std::map<std::pair<std::string, std::string>, std::vector<std::size_t>> copyByName;
+        for (std::size_t k = ib.size(); k-- > 0;) {
+            const Node& c = m_b.nodes[ib[k]->child];
+            copyByName[{c.ns, c.local}].push_back(k);
+        }
+        std::vector<std::size_t> orderA, orderB, unmatchedA;
+        std::vector<bool> takenB(ib.size(), false);
+        for (std::size_t k = 0; k < ia.size(); ++k) {
+            const Node& c = m_a.nodes[ia[k]->child];
+            auto found = copyByName.find({c.ns, c.local});
+            if (found == copyByName.end() || found->second.empty()) {
+                unmatchedA.push_back(k);
+                continue;
+            }
+            orderA.push_back(k);
+            orderB.push_back(found->second.back());
+            takenB[found->second.back()] = true;
+            found->second.pop_back();
+        }
+        orderA.insert(orderA.end(), unmatchedA.begin(), unmatchedA.end());
+        for (std::size_t k = 0; k < ib.size(); ++k)
+            if (!takenB[k]) orderB.push_back(k);
+        Permute(ia, pa, orderA);
+        Permute(ib, pb, orderB);
+    }
+
+    static void Permute(std::vector<const Item*>& items, std::vector<std::string>& labels,
+                        const std::vector<std::size_t>& order) {
+        std::vector<const Item*> newItems;
+        std::vector<std::string> newLabels;
+        for (std::size_t k : order) {
+            newItems.push_back(items[k]);
+            newLabels.push_back(labels[k]);
+        }
+        items.swap(newItems);
+        labels.swap(newLabels);
     }
 
     // One step of an element's path: kept per element and joined only for a

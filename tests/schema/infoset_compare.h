@@ -47,7 +47,9 @@ namespace qmxml_w3c {
 //  - an attribute present on one side only whose value is the default or
 //    fixed value of its declaration, and an empty element on one side whose
 //    declaration gives the other side's text as its default;
-//  - an xsi:type on one side only that names the declared type.
+//  - an xsi:type on one side only that names the declared type;
+//  - the order of the element children of an element whose content model is
+//    an all group (the copy's are matched to the original's name by name).
 // Without a schema set values compare exactly.
 std::string CompareInfosets(const std::string& original, const std::string& copy,
                             const QmXmlLib10::Schema::CSchemaSet* schemas);

@@ -134,6 +134,32 @@ TEST(InfosetCompareDefaults, OneNameDeclaredTwiceWithOtherDefaults) {
               "Text differs at [/root/e[2]]: [1] against [3]");
 }
 
+TEST(InfosetCompareAllGroup, ChildrenOfAnAllGroupMatchInAnyOrder) {
+    const auto schemas = CSchemaSet::LoadBuffer(R"(<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema">
+      <xs:element name="root"><xs:complexType><xs:all>
+        <xs:element name="a" type="xs:int" minOccurs="0"/>
+        <xs:element name="b" type="xs:string" minOccurs="0"/>
+        <xs:element name="c" type="xs:decimal" minOccurs="0"/>
+      </xs:all></xs:complexType></xs:element>
+      <xs:element name="seq"><xs:complexType><xs:sequence>
+        <xs:element name="a" type="xs:int" minOccurs="0"/>
+        <xs:element name="b" type="xs:string" minOccurs="0"/>
+      </xs:sequence></xs:complexType></xs:element></xs:schema>)");
+    // Matched by name, then compared value by value in the original's order.
+    EXPECT_EQ(CompareInfosets("<root><c>1.0</c><b>x</b><a>01</a></root>", "<root><a>1</a><b>x</b><c>1</c></root>",
+                              schemas.get()),
+              "");
+    EXPECT_EQ(CompareInfosets("<root><c>1</c><a>1</a></root>", "<root><a>2</a><c>1</c></root>", schemas.get()),
+              "Text differs at [/root/a]: [1] against [2]");
+    EXPECT_EQ(CompareInfosets("<root><c>1</c><a>1</a></root>", "<root><a>1</a></root>", schemas.get()),
+              "Missing element [c] at [/root/c]");
+    EXPECT_EQ(CompareInfosets("<root><b>x</b></root>", "<root><a>1</a><b>x</b></root>", schemas.get()),
+              "Extra element [a] at [/root/a]");
+    // A sequence keeps its order.
+    EXPECT_EQ(CompareInfosets("<seq><b>x</b><a>1</a></seq>", "<seq><a>1</a><b>x</b></seq>", schemas.get()),
+              "Element names differ at [/seq/b]: [b] against [a]");
+}
+
 TEST_F(InfosetCompare, MissingExtraAndRenamedElements) {
     const std::string two = Doc("", "<t:decimal>1</t:decimal><t:decimal>2</t:decimal>");
     const std::string one = Doc("", "<t:decimal>1</t:decimal>");

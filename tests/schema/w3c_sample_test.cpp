@@ -30,8 +30,8 @@ const std::vector<qmxml_w3c::TestCase>* Suite() {
 constexpr int kSampleValid = 704;
 constexpr int kSampleInvalid = 461;
 constexpr int kSampleAccepted = 698;
-constexpr int kSampleRoundTripped = 681;
-constexpr int kSampleRejected = 429;
+constexpr int kSampleRoundTripped = 690;
+constexpr int kSampleRejected = 434;
 
 class W3CSchemaSample : public ::testing::TestWithParam<Sample> {};
 

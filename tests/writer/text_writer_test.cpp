@@ -534,3 +534,52 @@ TEST(XmlTextWriter, SimpleElementsInOneCallWriteWhatThreeCallsWrite) {
     closed.w.WriteSimpleElement("c", "", "t");
     EXPECT_EQ("Attributes must be added before elements", MessageOf([&] { closed.w.WriteAttribute("a", "", "1"); }));
 }
+
+TEST(XmlTextWriter, QualifiedNamesInValuesDeclareTheirPrefixOnce) {
+    Doc d;
+    d.w.SetFormatted(false);
+    d.w.SetDefaultNamespace("urn:d");
+    d.w.StartElement("r", "urn:d");
+    EXPECT_EQ(d.w.QualifyName("urn:d", "t"), "t");  // the default namespace needs no prefix
+    EXPECT_EQ(d.w.QualifyName("", "u"), "u");       // cannot be told apart: stays as it is
+    d.w.StartElement("c", "urn:c");
+    const std::string first = d.w.QualifyName("urn:x", "t");
+    EXPECT_EQ(first, "AB:t");
+    EXPECT_EQ(d.w.QualifyName("urn:x", "u"), "AB:u");  // declared once
+    EXPECT_EQ(d.w.QualifyName("urn:c", "v"), "AA:v");  // the element's own prefix
+    d.w.WriteTypeAttribute(first.c_str());
+    d.w.WriteText("x");
+    qmxml_test::ExpectThrow<CQmException>([&d] { d.w.QualifyName("urn:y", "t"); },
+                                           "Attributes must be added before elements");
+    d.w.EndElement();
+    d.w.StartElement("c", "urn:d");  // the prefix went out of scope with its element
+    EXPECT_EQ(d.w.QualifyName("urn:x", "t"), "AA:t");
+    d.w.EndElement();
+    d.w.EndElement();
+    d.w.EndDocument();
+    EXPECT_EQ(d.Text(),
+              "<r xmlns=\"urn:d\"><AA:c xmlns:AA=\"urn:c\" xmlns:AB=\"urn:x\" "
+              "xmlns:AC=\"http://www.w3.org/2001/XMLSchema-instance\" AC:type=\"AB:t\">x</AA:c>"
+              "<c xmlns:AA=\"urn:x\"/></r>");
+}
+
+TEST(XmlTextWriter, PrefixesDeclaredForValuesAreUsedBelow) {
+    Doc d;
+    d.w.SetFormatted(false);
+    d.w.StartElement("r", "urn:r");
+    EXPECT_TRUE(d.w.DeclarePrefix("p", "urn:p"));
+    EXPECT_FALSE(d.w.DeclarePrefix("p", "urn:other"));  // in scope already
+    EXPECT_FALSE(d.w.DeclarePrefix("q", "urn:r"));      // urn:r has its prefix on r
+    EXPECT_FALSE(d.w.DeclarePrefix("xml", "urn:x"));
+    EXPECT_FALSE(d.w.DeclarePrefix("", "urn:x"));
+    EXPECT_FALSE(d.w.DeclarePrefix("a:b", "urn:x"));
+    d.w.StartElement("c", "urn:p");  // takes the declared prefix
+    EXPECT_EQ(d.w.QualifyName("urn:p", "t"), "p:t");
+    d.w.EndElement();
+    d.w.WriteText("x");
+    qmxml_test::ExpectThrow<CQmException>([&d] { d.w.DeclarePrefix("z", "urn:z"); },
+                                           "Attributes must be added before elements");
+    d.w.EndElement();
+    d.w.EndDocument();
+    EXPECT_EQ(d.Text(), "<AA:r xmlns:AA=\"urn:r\" xmlns:p=\"urn:p\"><p:c/>x</AA:r>");
+}

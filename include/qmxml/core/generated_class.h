@@ -121,6 +121,11 @@ public:
 
     // The schema type name written in xsi:type; empty writes none.
     virtual std::string GetTypeName() const { return std::string(); }
+    // The namespace of that type. Empty (the default) writes the type name
+    // as it is; otherwise xsi:type carries the name qualified for the
+    // writer's scope (CXmlWriter::QualifyName), a prefix being declared on
+    // the element when the namespace has none there.
+    virtual std::string GetTypeNamespace() const { return std::string(); }
     // Whether the two objects are of one class, as xsi:type tells classes
     // apart: by C++ type, unless a class built at run time says otherwise.
     virtual bool HasSameClassAs(const CXmlGeneratedClass& other) const;

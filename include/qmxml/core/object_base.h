@@ -16,6 +16,7 @@ namespace QmXmlLib10 {
 class CXmlObjectBase;
 class CXmlCollectionBase;
 class CXmlElement;
+class CXmlDocument;
 class CXmlWriter;
 class CBinaryData;
 class CElement;
@@ -175,6 +176,8 @@ protected:
                                        std::int32_t& count, const CXmlSerializationContext& ctx);
 
 private:
+    // Binds a document loaded for reading while binding (the FromXml... entry points).
+    void BindDocument(CXmlDocument& document, const CXmlSerializationContext& ctx);
     // Writes the whole document, this object as its root, through a text writer.
     void WriteTextDocument(CTextStream& stream, bool includeDocHeader, bool formatted, EOLType eol,
                            const CXmlSerializationContext& ctx) const;

@@ -17,6 +17,7 @@ namespace QmXmlLib10 {
 
 class CXmlNodePool;
 class CXmlSerializationContext;
+class CXmlStreamSource;
 struct CFastInfosetStatistics;
 
 // What the loader took its input for.
@@ -100,6 +101,9 @@ public:
     // anywhere in the document; a later declaration of the same prefix wins.
     // Empty when the prefix was never declared. Valid until the next load.
     const std::string& LookupNamespaceFromAlias(const char* prefix) const;
+    // Every prefix declared in the document ("" for the default namespace)
+    // with the URI LookupNamespaceFromAlias gives it. Valid until the next load.
+    const std::map<std::string, std::string>& GetDeclaredNamespaces() const noexcept { return m_namespaces; }
 
     // Interning changes no node, so it is allowed on a const document.
     CXmlNameTable& GetNameTable() const noexcept { return m_nameTable; }
@@ -146,7 +150,8 @@ private:
     friend class CXmlTreeBuilder;
     friend class CXmlDocumentLoading;
 
-    // Parses whole, uncompressed input (inflate and Fast Infoset already ruled out).
+    // Parses whole, uncompressed input (inflate and Fast Infoset already ruled
+    // out); when streaming was asked for, only up to the document element.
     void ParseText(const unsigned char* data, std::size_t length);
     // Records XML text as the detected format, with the encoding its first
     // bytes show until the declaration (if any) names one.
@@ -168,6 +173,10 @@ private:
     const CXmlSerializationContext* m_context;
     std::unique_ptr<CFastInfosetStatistics> m_fastInfosetStatistics;
     CXmlDetectedFormat m_detectedFormat;
+    // The parse still under way while the document is bound (see
+    // CXmlDocumentLoading::RequestStreaming); null for a loaded tree.
+    std::unique_ptr<CXmlStreamSource> m_stream;
+    bool m_streamRequested = false;
 };
 
 }  // namespace QmXmlLib10

@@ -74,8 +74,12 @@ public:
 
     const std::string& GetLocalName() const noexcept { return *m_localName; }
     const std::string& GetNamespaceURI() const noexcept { return *m_namespaceURI; }
-    const std::string& GetText() const noexcept {
-        return *reinterpret_cast<const std::string*>(m_text & ~kOwnedText);
+    // An element still being read (by a FromXml... entry point, which binds
+    // while the parser runs) is read on until the answer is known; a loaded
+    // tree answers at once. Reading on may throw what the parser finds.
+    const std::string& GetText() const {
+        if ((m_text & kOpenElement) != 0) WaitUntilClosed();
+        return *reinterpret_cast<const std::string*>(m_text & ~kTagBits);
     }
     const std::vector<CXmlAttribute*>& GetAttributes() const noexcept {
         return m_attributes != nullptr ? *m_attributes : s_noAttributes;
@@ -85,8 +89,14 @@ public:
     // To tell an absent attribute from an empty one, walk GetAttributes().
     const std::string& GetAttribute(const std::string& localName,
                                     const std::string& ns) const noexcept;
-    CXmlElement* GetFirstElement() const noexcept { return m_firstChild; }
-    CXmlElement* GetNextSiblingElement() const noexcept { return m_nextSibling; }
+    CXmlElement* GetFirstElement() const {
+        if ((m_text & kOpenElement) != 0) return FirstElementWhileOpen();
+        return m_firstChild;
+    }
+    CXmlElement* GetNextSiblingElement() const {
+        if (m_nextSibling == nullptr || (m_nextSibling->m_text & kOpenElement) != 0) return NextSiblingWhileOpen();
+        return m_nextSibling;
+    }
     const CXmlDocument* GetDocument() const noexcept { return m_document; }
 
 protected:
@@ -151,6 +161,11 @@ private:
     static void operator delete(void*) noexcept = delete;
 
     void LinkChild(CXmlElement* child) noexcept;
+    // The slow paths of the accessors above, for elements the parser has not
+    // finished (only in documents read while binding).
+    void WaitUntilClosed() const;
+    CXmlElement* FirstElementWhileOpen() const;
+    CXmlElement* NextSiblingWhileOpen() const;
     std::vector<CXmlAttribute*>& Attributes();
     void SetText(const std::string* text, bool owned) noexcept;
     // Frees the text when this element owns it; the element then has none.
@@ -160,13 +175,17 @@ private:
     // element. Otherwise it is shared: the empty string, or a whitespace run
     // interned by the document (indentation repeats across a whole document).
     static constexpr std::uintptr_t kOwnedText = 1;
+    // Second bit of m_text: the parser has started the element and not yet
+    // ended it. Set only by readers that bind while parsing.
+    static constexpr std::uintptr_t kOpenElement = 2;
+    static constexpr std::uintptr_t kTagBits = kOwnedText | kOpenElement;
 
     const CXmlDocument* m_document;
     CXmlElement* m_nextSibling = nullptr;
     CXmlElement* m_firstChild = nullptr;
     CXmlElement* m_lastChild = nullptr;
     std::vector<CXmlAttribute*>* m_attributes = nullptr;  // allocated on the first attribute
-    std::uintptr_t m_text;  // const std::string*, tagged with kOwnedText
+    std::uintptr_t m_text;  // const std::string*, tagged with kOwnedText and kOpenElement
     const std::string* m_localName;
     const std::string* m_namespaceURI;
 };

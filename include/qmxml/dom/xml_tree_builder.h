@@ -69,6 +69,21 @@ public:
     // Unlinks and destroys the last child of parent; false when there was none.
     static bool DeleteLastChild(CXmlElement* parent) noexcept;
 
+    // For readers that bind while parsing. The last child as linked, without
+    // reading on.
+    static CXmlElement* GetLastChild(const CXmlElement* parent) noexcept;
+    // Unlinks the last child of parent in constant time, given the child
+    // before it (null when it is the only one); the caller destroys it.
+    static void UnlinkLastChild(CXmlElement* parent, CXmlElement* previous) noexcept;
+    // Tags an element as started and not yet ended (see CXmlElement).
+    static void SetOpen(CXmlElement* element, bool open) noexcept;
+    static bool IsOpen(const CXmlElement* element) noexcept;
+    // The links as they stand, without reading on.
+    static CXmlElement* PeekFirstChild(const CXmlElement* element) noexcept;
+    static CXmlElement* PeekNextSibling(const CXmlElement* element) noexcept;
+    // Destroys every child of element (and their subtrees).
+    static void DestroyChildren(CXmlElement* element) noexcept;
+
     // What the document's node pool holds: blocks in use (elements, attributes
     // and attribute vectors each count one) and the memory reserved for them.
     // Lets tests check that trimming the tree while loading bounds memory.

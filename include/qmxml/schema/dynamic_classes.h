@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -70,6 +71,7 @@ public:
     QmXmlLib10Data::CAttributeInfo** GetClassAttributeInfo() const override;
     void Init() override;
     std::string GetTypeName() const override;
+    std::string GetTypeNamespace() const override;
     bool HasSameClassAs(const CXmlGeneratedClass& other) const override;
     std::string GetTargetNamespace() const override;
 
@@ -79,6 +81,7 @@ protected:
     // A root read through xsi:type writes it back (members' xsi:type is their info's business).
     void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
                    bool asChoiceMember) const override;
+    void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const override;
 
 private:
     friend class CDynamicClassSet;
@@ -90,6 +93,11 @@ private:
     // several namespaces); unset for members, whose infos name theirs.
     std::string m_rootNamespace;
     bool m_isRoot = false;
+    // A root read from a document: the prefixes that the document declared
+    // and that its values use as QNames (xsi:type, QName-typed values, untyped
+    // content), declared again on the root element when it is written, so
+    // that the values mean what they meant.
+    std::vector<std::pair<std::string, std::string>> m_valuePrefixes;
     // The object's class is not its member's declared one (xsi:type or a
     // substitution picked it): xsi:type is written for it.
     bool m_retyped = false;
@@ -138,8 +146,13 @@ private:
     // What the wildcards of a read object took, checked as their
     // processContents asks (strict: declared and valid; lax: valid when declared).
     void CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const;
-    // IDs unique and every IDREF naming one, across the document read.
-    void CheckIdentifiers(const CDynamicObject& root) const;
+    // IDs unique and every IDREF naming one, across the document read, and
+    // every QName's prefix declared in it.
+    void CheckIdentifiers(const CDynamicObject& root, const CXmlDocument& document) const;
+    // The declared prefixes (prefix -> URI) that begin a token of a string
+    // value bound under root, untyped content and wildcard attributes included.
+    std::vector<std::pair<std::string, std::string>> ValuePrefixes(
+        const std::map<std::string, std::string>& declared, const CDynamicObject& root) const;
 
     std::shared_ptr<const CSchemaSet> m_schemas;
     std::vector<std::unique_ptr<CClassDescription>> m_classes;

@@ -72,6 +72,9 @@ public:
     // The stream asks for a flush once this many characters are buffered.
     static constexpr std::size_t FlushThreshold = 4096;
 
+protected:
+    void WritePrefixDeclaration(const std::string& prefix, std::string_view namespaceURI) override;
+
 private:
     void Write(const char* text, std::size_t length) { m_buffer.Append(text, length); }
     void Write(const std::string& text) { m_buffer.Append(text.data(), text.size()); }

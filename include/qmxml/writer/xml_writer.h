@@ -135,6 +135,22 @@ public:
                                 ItemType itemType = ItemType_string) = 0;
     // xsi:type="typeName" and xsi:nil="true", through WriteAttribute.
     virtual void WriteTypeAttribute(const char* typeName);
+    // The text that names {namespaceURI}localName in a value of the element
+    // whose start tag is open (xsi:type): the local name alone in no
+    // namespace or in the default namespace in scope, else prefixed with the
+    // prefix in scope for the namespace, a new one being declared on the
+    // element when there is none. A name in no namespace inside a default
+    // namespace cannot be written (no prefix stands for no namespace) and
+    // stays unprefixed. Throws "Attributes must be added before elements"
+    // once the start tag is closed.
+    std::string QualifyName(const char* namespaceURI, const char* localName);
+    // Declares prefix for namespaceURI on the element whose start tag is open,
+    // so that values below it may use the prefix (QName values a document
+    // brought along). False, and nothing declared, when the prefix is
+    // already in scope, is "xml" or "xmlns", is empty or is not a name, or
+    // the URI is empty. Throws "Attributes must be added before elements"
+    // once the start tag is closed.
+    bool DeclarePrefix(const char* prefix, const char* namespaceURI);
     virtual void WriteNilAttribute();
 
     const std::string& GetDefaultNamespace() const { return m_defaultNamespaceURI; }
@@ -167,6 +183,9 @@ protected:
     // (null for none); a new prefix is allocated, recorded on the element and
     // `declared` set. The string lives until the next call.
     const std::string* AttributePrefix(CXmlWriterContext& context, std::string_view namespaceURI, bool& declared);
+    // Called by QualifyName when it declared a prefix on the open start tag:
+    // writers that write the tag as it goes write the declaration here.
+    virtual void WritePrefixDeclaration(const std::string& prefix, std::string_view namespaceURI);
 
     // Throws "Invalid character in the value of [%s]" (name) when the value
     // holds a character the output cannot carry; cheap for printable ASCII.

@@ -1,0 +1,73 @@
+// Differential target: arbitrary bytes read into a bound class both through a
+// loaded document tree (CXmlDocument, then FromXmlElement) and through
+// FromXmlStream, which binds while the parser reads. The two must end alike:
+// the same exception class and full message chain, and objects that write the
+// same text. The first byte picks the class and the context as in
+// bind_fuzzer.cpp; the rest is the input (text, compressed or Fast Infoset).
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "binding_classes.h"
+#include "fuzz_support.h"
+#include "orders.h"
+#include "stream_compare.h"
+
+using namespace QmXmlLib10;
+
+namespace {
+
+using Factory = std::function<CSmartPtr<CXmlObjectBase>()>;
+
+template <class T>
+Factory Make() {
+    return [] { return CSmartPtr<CXmlObjectBase>(new T()); };
+}
+
+const std::vector<Factory>& Classes() {
+    static const std::vector<Factory> classes = {
+        Make<orders::COrders>(),         Make<focus::Person>(),
+        Make<focus::Shipping<false>>(),  Make<focus::Shipping<true>>(),
+        Make<focus::Zoo>(),              Make<focus::Wild<focus::kAny>>(),
+        Make<focus::Wild<focus::kOther>>(), Make<focus::Wild<focus::kLocal>>(),
+        Make<focus::Wild<focus::kTarget>>(), Make<focus::Wild<focus::kList>>(),
+        Make<focus::Bag>(),              Make<focus::Chart>(),
+        Make<focus::Window>(),           Make<focus::Market>(),
+        Make<focus::Reading>(),          Make<focus::Memo>(),
+    };
+    return classes;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 2) return 0;
+    const std::uint8_t mode = data[0];
+    const Factory& create = Classes()[mode & 15];
+    CXmlSerializationContext ctx;
+    const int leniency = (mode >> 4) & 3;
+    if (leniency == 1) ctx.SetIgnoreUnknownElements(true);
+    if (leniency == 2) ctx.SetIgnoreMissingMandatoryElements(true);
+    if (leniency == 3) {
+        ctx.SetIgnoreMissingChoice(true);
+        ctx.SetIgnoreInvalidCollectionCounts(true);
+    }
+    if ((mode & 64) != 0) ctx.SetIgnoreUnknownAttributes(true);
+    if ((mode & 128) != 0) {
+        if ((mode & 15) == 15)
+            ctx.SetSchemaType(SchemaType_NoNamespaces);
+        else
+            ctx.SetIgnoreNamespaces(true);
+    }
+    const std::vector<unsigned char> input(data + 1, data + size);
+    CSmartPtr<CXmlObjectBase> tree = create();
+    CSmartPtr<CXmlObjectBase> stream = create();
+    const streamcompare::Outcome expected = streamcompare::ThroughTree(*tree, input, ctx);
+    const streamcompare::Outcome actual = streamcompare::WhileParsing(*stream, input, ctx);
+    if (expected.failure != actual.failure)
+        fuzz::Fail("the two paths failed differently", expected.failure + "\n---\n" + actual.failure);
+    if (expected.written != actual.written)
+        fuzz::Fail("the two paths bound different objects", expected.written + "\n---\n" + actual.written);
+    return 0;
+}

@@ -1,0 +1,218 @@
+#include "dom/xml_stream_source.h"
+
+#include <utility>
+
+#include "dom/expat_reader.h"
+#include "dom/xml_document_loading.h"
+#include "platform/file_reader.h"
+#include "qmxml/core/exception.h"
+#include "qmxml/dom/xml_element.h"
+#include "qmxml/dom/xml_tree_builder.h"
+
+namespace QmXmlLib10 {
+
+namespace {
+
+// The source over Expat; hidden like the reader it owns.
+class __attribute__((visibility("hidden"))) CExpatStreamSource final : public CXmlStreamSource {
+public:
+    CExpatStreamSource(std::unique_ptr<CExpatReader> reader, NextPiece next)
+        : m_reader(std::move(reader)), m_next(std::move(next)) {
+        m_reader->MarkOpenElements();
+    }
+
+    void ReadToDocumentElement() override;
+    void Drain() override;
+    void ReadRest() override;
+    [[noreturn]] void RethrowFailure() const override;
+    void WaitUntilClosed(const CXmlElement* element) override;
+    CXmlElement* FirstElement(const CXmlElement* element) override;
+    CXmlElement* NextSibling(const CXmlElement* element) override;
+
+private:
+    // Runs the parser until an element ends leaving fewer than stopBelow open
+    // elements (true), or until the input is used up (false).
+    bool Step(std::size_t stopBelow);
+    // Step for the accessors: failures become CXmlStreamAbort.
+    bool Pull(std::size_t stopBelow);
+
+    std::unique_ptr<CExpatReader> m_reader;
+    NextPiece m_next;
+    bool m_suspended = false;  // the parser stopped inside the current piece
+    bool m_lastPiece = false;  // the current piece is the final one
+    bool m_finished = false;
+    std::exception_ptr m_failure;
+};
+
+}  // namespace
+
+std::unique_ptr<CXmlStreamSource> CXmlStreamSource::Create(std::unique_ptr<CExpatReader> reader, NextPiece next) {
+    return std::make_unique<CExpatStreamSource>(std::move(reader), std::move(next));
+}
+
+CXmlStreamSource::~CXmlStreamSource() = default;
+
+bool CExpatStreamSource::Step(std::size_t stopBelow) {
+    if (m_failure) std::rethrow_exception(m_failure);
+    m_reader->SetStopBelow(stopBelow);
+    try {
+        while (!m_finished) {
+            bool suspended;
+            if (m_suspended) {
+                suspended = m_reader->Resume();
+            } else {
+                const char* data = nullptr;
+                std::size_t length = 0;
+                bool last = false;
+                if (!m_next(data, length, last)) {
+                    m_finished = true;
+                    break;
+                }
+                m_lastPiece = last;
+                suspended = m_reader->ParseCopy(data, length, last);
+            }
+            m_suspended = suspended;
+            if (suspended) return true;
+            if (m_lastPiece) m_finished = true;
+        }
+    } catch (...) {
+        // The parser cannot go on after an error: every later step reports it.
+        m_failure = std::current_exception();
+        m_finished = true;
+        throw;
+    }
+    return false;
+}
+
+bool CExpatStreamSource::Pull(std::size_t stopBelow) {
+    try {
+        return Step(stopBelow);
+    } catch (...) {
+        throw CXmlStreamAbort{};
+    }
+}
+
+void CExpatStreamSource::ReadToDocumentElement() {
+    m_reader->StopAtDocumentElement();
+    Step(0);
+}
+
+void CExpatStreamSource::Drain() {
+    m_reader->DiscardEndedElements();
+    while (Step(0)) {
+    }
+}
+
+void CExpatStreamSource::ReadRest() {
+    while (Step(0)) {
+    }
+}
+
+void CXmlDocumentLoading::ReadWhole(CXmlDocument& document) {
+    if (document.m_stream) document.m_stream->ReadRest();
+}
+
+void CExpatStreamSource::RethrowFailure() const {
+    if (m_failure) std::rethrow_exception(m_failure);
+    // The input ended inside an element without the parser saying so.
+    throw CQmException("Invalid or empty XML document");
+}
+
+void CXmlDocumentLoading::Bind(CXmlDocument& document, const std::function<void()>& bind,
+                               const std::function<void()>& undo) {
+    CXmlStreamSource* stream = document.m_stream.get();
+    if (stream == nullptr) {
+        bind();
+        return;
+    }
+    std::exception_ptr failure;
+    try {
+        bind();
+    } catch (const CXmlStreamAbort&) {
+        if (undo) undo();
+        stream->RethrowFailure();
+    } catch (...) {
+        // A whole tree would have been loaded first: a parse error further on wins.
+        failure = std::current_exception();
+    }
+    try {
+        stream->Drain();
+    } catch (...) {
+        if (undo) undo();
+        throw;
+    }
+    if (failure) std::rethrow_exception(failure);
+}
+
+namespace {
+
+// Where element stands among the open elements; count when it is not open.
+std::size_t OpenIndex(const CExpatReader& reader, const CXmlElement* element) {
+    const std::size_t count = reader.GetOpenCount();
+    for (std::size_t i = count; i > 0; --i) {
+        if (reader.GetOpenElement(i - 1) == element) return i - 1;
+    }
+    return count;
+}
+
+}  // namespace
+
+void CExpatStreamSource::WaitUntilClosed(const CXmlElement* element) {
+    while (CXmlTreeBuilder::IsOpen(element)) {
+        const std::size_t index = OpenIndex(*m_reader, element);
+        // Stop once element ends (index elements are then left open).
+        if (!Pull(index + 1) && CXmlTreeBuilder::IsOpen(element)) throw CXmlStreamAbort{};
+    }
+}
+
+CXmlElement* CExpatStreamSource::FirstElement(const CXmlElement* element) {
+    for (;;) {
+        CXmlElement* first = CXmlTreeBuilder::PeekFirstChild(element);
+        if (first != nullptr && !CXmlTreeBuilder::IsOpen(first)) return first;
+        if (!CXmlTreeBuilder::IsOpen(element)) return first;
+        // Stop when a child of element ends, or element itself.
+        const std::size_t index = OpenIndex(*m_reader, element);
+        if (!Pull(index + 2) && CXmlTreeBuilder::IsOpen(element)) throw CXmlStreamAbort{};
+    }
+}
+
+CXmlElement* CExpatStreamSource::NextSibling(const CXmlElement* element) {
+    for (;;) {
+        CXmlElement* next = CXmlTreeBuilder::PeekNextSibling(element);
+        if (next != nullptr) {
+            WaitUntilClosed(next);
+            return next;
+        }
+        // Without a next sibling so far, element is either the last child of
+        // the innermost open element (more may come) or its parent has ended.
+        const std::size_t count = m_reader->GetOpenCount();
+        if (count == 0) return nullptr;
+        CXmlElement* parent = m_reader->GetOpenElement(count - 1);
+        if (CXmlTreeBuilder::GetLastChild(parent) != element) return nullptr;
+        if (!Pull(count + 1)) return CXmlTreeBuilder::PeekNextSibling(element);
+    }
+}
+
+void CXmlStreamSource::ReleaseContent(CXmlElement* element) noexcept {
+    if (CXmlDocumentLoading::GetStream(*element->GetDocument()) == nullptr) return;
+    if (CXmlTreeBuilder::IsOpen(element)) return;
+    CXmlTreeBuilder::DestroyChildren(element);
+}
+
+// ------------------------------------------------- CXmlElement's slow paths
+
+void CXmlElement::WaitUntilClosed() const {
+    if (CXmlStreamSource* stream = CXmlDocumentLoading::GetStream(*m_document)) stream->WaitUntilClosed(this);
+}
+
+CXmlElement* CXmlElement::FirstElementWhileOpen() const {
+    if (CXmlStreamSource* stream = CXmlDocumentLoading::GetStream(*m_document)) return stream->FirstElement(this);
+    return m_firstChild;
+}
+
+CXmlElement* CXmlElement::NextSiblingWhileOpen() const {
+    if (CXmlStreamSource* stream = CXmlDocumentLoading::GetStream(*m_document)) return stream->NextSibling(this);
+    return m_nextSibling;
+}
+
+}  // namespace QmXmlLib10

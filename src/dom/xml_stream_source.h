@@ -1,0 +1,70 @@
+// Parses a document a piece at a time while it is being bound, so that no
+// whole tree is built: the tree's accessors ask for more input (through the
+// slow paths of CXmlElement) when they reach an element the parser has not
+// finished. Internal to the library.
+#pragma once
+
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace QmXmlLib10 {
+
+class CExpatReader;
+class CXmlElement;
+
+
+// Thrown out of a tree accessor when the parser failed while binding was
+// waiting for more input. Deliberately not a CQmException: the binding code
+// wraps those in its own messages, and a document that is not well formed
+// must report the parser's error as it stands. The entry point that started
+// the read turns it back into that error (CXmlStreamSource::RethrowFailure).
+struct CXmlStreamAbort {};
+
+class CXmlStreamSource {
+public:
+    // Fills data/length with the next piece of input; false when none is left.
+    using NextPiece = std::function<bool(const char*& data, std::size_t& length, bool& last)>;
+
+    // The parse of one document, fed by next.
+    static std::unique_ptr<CXmlStreamSource> Create(std::unique_ptr<CExpatReader> reader, NextPiece next);
+    virtual ~CXmlStreamSource();
+    CXmlStreamSource(const CXmlStreamSource&) = delete;
+    CXmlStreamSource& operator=(const CXmlStreamSource&) = delete;
+
+    // Input the source must keep alive (converted or inflated bytes).
+    void Adopt(std::vector<unsigned char>&& bytes) { m_keptBytes = std::move(bytes); }
+    void Adopt(std::unique_ptr<unsigned char[]>&& bytes) { m_keptArray = std::move(bytes); }
+
+    // Parses until the document element has started (or the input ends).
+    // Throws the parser's error as loading would.
+    virtual void ReadToDocumentElement() = 0;
+    // Parses the rest, keeping nothing of it, and throws the parser's error
+    // (or the one a tree accessor already met) if there is one.
+    virtual void Drain() = 0;
+    // Parses the rest into the tree.
+    virtual void ReadRest() = 0;
+    // The error a tree accessor met, as loading would have thrown it.
+    [[noreturn]] virtual void RethrowFailure() const = 0;
+
+    // The slow paths of CXmlElement's accessors. Each throws CXmlStreamAbort
+    // when the parser fails.
+    virtual void WaitUntilClosed(const CXmlElement* element) = 0;
+    virtual CXmlElement* FirstElement(const CXmlElement* element) = 0;
+    virtual CXmlElement* NextSibling(const CXmlElement* element) = 0;
+
+    // Frees the children of an element whose object has been read, when
+    // nothing can come back to them. Elements not yet ended are left alone.
+    static void ReleaseContent(CXmlElement* element) noexcept;
+
+protected:
+    CXmlStreamSource() = default;
+
+private:
+    std::vector<unsigned char> m_keptBytes;
+    std::unique_ptr<unsigned char[]> m_keptArray;
+};
+
+}  // namespace QmXmlLib10
