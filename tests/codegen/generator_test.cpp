@@ -108,8 +108,8 @@ TEST_F(Generator, RefusesWhatGeneratedClassesCannotReproduce) {
     const ToolRun run = Tool("generate '" + ids + "' -o '" + m_dir + "/out'");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.output,
-              "The generator cannot emit this schema set yet: members of ID or IDREF types (the document-wide ID "
-              "checks)\n");
+              "The generator cannot emit this schema set yet: members of ID, IDREF or QName types (the "
+              "document-wide ID and prefix checks)\n");
     EXPECT_NE(access((m_dir + "/out").c_str(), F_OK), 0) << "a refused set wrote files";
     const std::string lax = Write("l.xsd", Schema("urn:l", "<xs:element name='root'><xs:complexType><xs:sequence>"
                                                            "<xs:any processContents='lax'/></xs:sequence>"

@@ -383,7 +383,8 @@ private:
     }
 
     void CheckSupported() const {
-        if (m_mapped.usesIds) Unsupported("members of ID or IDREF types (the document-wide ID checks)");
+        if (m_mapped.usesIds)
+            Unsupported("members of ID, IDREF or QName types (the document-wide ID and prefix checks)");
         for (std::size_t i = 0; i < m_mapped.classes.size(); ++i) {
             const CClassDescription& d = *m_mapped.classes[i];
             if (d.hasCheckedWildcards)
