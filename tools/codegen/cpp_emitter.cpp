@@ -671,6 +671,8 @@ private:
             o << "    // Written as xsi:type when the object stands for a member of another class.\n"
               << "    std::string GetTypeName() const override { return IsRetyped() ? " << Literal(c.d->typeName.local)
               << " : std::string(); }\n";
+            o << "    std::string GetTypeNamespace() const override { return IsRetyped() ? "
+              << Literal(c.d->typeName.ns) << " : std::string(); }\n";
         }
         for (const Member& m : c.members) {
             o << "\n";
