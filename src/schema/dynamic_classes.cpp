@@ -362,8 +362,11 @@ std::string CDynamicObject::GetTargetNamespace() const {
 
 CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* current,
                                          const CXmlSerializationContext& ctx, bool isRoot) {
+    CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
     // Element-only and empty content take no character data; the binding
-    // would drop it unseen.
+    // would drop it unseen. Checked once the content is read: an element's
+    // text is only complete at its end, and asking for it earlier would make
+    // reading while parsing hold the whole element.
     const CComplexType* type = m_description->type;
     const bool ownElement = m_description->elementType == XmlElementType_Element;
     if (type != nullptr && ownElement &&
@@ -371,7 +374,6 @@ CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* curre
          type->contentType == CComplexType::ContentType::Empty)) {
         Generated::CheckNoTextContent(parent);
     }
-    CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);
     if (m_description->hasCheckedWildcards && parent != nullptr) {
         try {
             m_set->CheckWildcardContent(*this, ctx);

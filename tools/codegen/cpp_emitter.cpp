@@ -981,8 +981,10 @@ private:
             o << "\nQmXmlLib10::CXmlElement* " << n
               << "::FromXml_Int(QmXmlLib10::CXmlElement* parent, QmXmlLib10::CXmlElement* current,\n"
                  "                                         const QmXmlLib10::CXmlSerializationContext& ctx, bool isRoot) {\n";
-            if (c.textCheck) o << "    QmXmlLib10::Generated::CheckNoTextContent(parent);\n";
+            // After the content, as the dynamic classes check it: the text is
+            // complete only at the element's end.
             o << "    QmXmlLib10::CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);\n";
+            if (c.textCheck) o << "    QmXmlLib10::Generated::CheckNoTextContent(parent);\n";
             if (c.r->mandatoryInlineChoice)
                 o << "    QmXmlLib10::Generated::CheckInlineChoiceRead(*this, " << c.members.size() << ", parent, ctx);\n";
             o << "    return rest;\n}\n";
