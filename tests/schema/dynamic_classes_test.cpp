@@ -42,8 +42,6 @@ struct Case {
 
 void PrintTo(const Case& c, std::ostream* os) { *os << c.name; }
 
-const char* const kItem = "<xs:element name='a' type='xs:int'/><xs:element name='b' type='xs:string'/>";
-
 const Case kCases[] = {
     {"SequenceOfSimpleValues",
      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int'/>"

@@ -103,7 +103,7 @@ private:
     bool m_retyped = false;
 };
 
-class CDynamicClassSet : public QmXmlLib10Data::IClassFactory {
+class CDynamicClassSet final : public QmXmlLib10Data::IClassFactory {
 public:
     // Maps every type of the schema set. Throws CQmSchemaException when the
     // set uses something the binding cannot represent.
