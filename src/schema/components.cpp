@@ -39,6 +39,21 @@ bool CTypeDefinition::DerivesFrom(const CTypeDefinition* other) const noexcept {
     return false;
 }
 
+unsigned DerivationMethods(const CTypeDefinition* derived, const CTypeDefinition* base) noexcept {
+    unsigned methods = Derivation_None;
+    // The loader refuses derivation cycles; the guard only bounds the walk.
+    for (int guard = 0; derived != nullptr && derived != base && guard < 10000; ++guard) {
+        methods |= derived->derivationMethod == Derivation_Extension ? Derivation_Extension : Derivation_Restriction;
+        if (derived->baseType == derived) break;
+        derived = derived->baseType;
+    }
+    return methods;
+}
+
+unsigned ProhibitedBy(const CTypeDefinition* type) noexcept {
+    return type != nullptr && !type->IsSimple() ? static_cast<const CComplexType*>(type)->block : Derivation_None;
+}
+
 bool CFacets::IsEmpty() const noexcept {
     return !length && !minLength && !maxLength && patterns.empty() && enumeration.empty() && !whiteSpace &&
            !maxInclusive && !maxExclusive && !minInclusive && !minExclusive && !totalDigits && !fractionDigits;

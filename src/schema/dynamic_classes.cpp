@@ -189,20 +189,6 @@ std::string LocalPart(const std::string& qname) {
 // The derivation methods on the way from `derived` up to `base` (extension,
 // restriction; lists and unions count as restriction), or Derivation_None
 // when `derived` is `base`.
-unsigned DerivationMethods(const CTypeDefinition* derived, const CTypeDefinition* base) {
-    unsigned methods = Derivation_None;
-    for (int guard = 0; derived != nullptr && derived != base && guard < 10000; ++guard) {
-        methods |= derived->derivationMethod == Derivation_Extension ? Derivation_Extension : Derivation_Restriction;
-        if (derived->baseType == derived) break;
-        derived = derived->baseType;
-    }
-    return methods;
-}
-
-// What a complex type prohibits of the types that replace it.
-unsigned ProhibitedBy(const CTypeDefinition* type) {
-    return type != nullptr && !type->IsSimple() ? static_cast<const CComplexType*>(type)->block : Derivation_None;
-}
 
 const CXmlAttribute* FindXsiType(const CXmlElement* element) {
     for (const CXmlAttribute* attribute : element->GetAttributes()) {

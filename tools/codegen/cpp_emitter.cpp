@@ -308,19 +308,6 @@ std::string DescriptionCode(const CSimpleTypeDescription& d) {
 
 // The derivation methods on the way from `derived` up to `base` (lists and
 // unions count as restriction), as the dynamic classes' factory walks them.
-unsigned DerivationMethods(const CTypeDefinition* derived, const CTypeDefinition* base) {
-    unsigned methods = Derivation_None;
-    for (int guard = 0; derived != nullptr && derived != base && guard < 10000; ++guard) {
-        methods |= derived->derivationMethod == Derivation_Extension ? Derivation_Extension : Derivation_Restriction;
-        if (derived->baseType == derived) break;
-        derived = derived->baseType;
-    }
-    return methods;
-}
-
-unsigned ProhibitedBy(const CTypeDefinition* type) {
-    return type != nullptr && !type->IsSimple() ? static_cast<const CComplexType*>(type)->block : Derivation_None;
-}
 
 bool IsAbstractType(const CTypeDefinition* type) {
     return type != nullptr && !type->IsSimple() && static_cast<const CComplexType*>(type)->abstract;

@@ -33,5 +33,14 @@ public:
     bool DerivesFrom(const CTypeDefinition* other) const noexcept;
 };
 
+// The derivation methods met on the way from derived up to base, a set of
+// Derivation_Extension and Derivation_Restriction flags (none when derived is
+// base). With a complex type's block, it decides whether an element may
+// carry the derived type in place of its declared one.
+unsigned DerivationMethods(const CTypeDefinition* derived, const CTypeDefinition* base) noexcept;
+// What a type prohibits of the types that replace it: a complex type's block,
+// nothing for a simple type or none.
+unsigned ProhibitedBy(const CTypeDefinition* type) noexcept;
+
 }  // namespace Schema
 }  // namespace QmXmlLib10
