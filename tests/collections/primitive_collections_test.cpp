@@ -76,6 +76,40 @@ TEST(PrimitiveCollections, TypedAddGetRemoveAndEvents) {
     EXPECT_EQ(hex->GetItemAsString(0), "0A1B");
 }
 
+// Booleans are the one item type a vector cannot hand out by reference; the
+// collection must still give references, pointers in its events and range-for.
+TEST(PrimitiveCollections, BooleansAddReadWalkAndWriteLikeEveryOtherType) {
+    CSmartPtr<CbooleanCol> flags = new CbooleanCol("Flag", "urn:o");
+    RecordingSink sink;
+    flags->AddEventListener(&sink);
+    flags->Add(true);
+    flags->AddFromString(" 0 ");
+    flags->InsertAt(1, true);
+    ASSERT_EQ(flags->GetCount(), 3);
+    const bool& first = flags->GetItem(0);
+    flags->Add(false);  // a reference to an item outlives appending after it
+    EXPECT_TRUE(first);
+    EXPECT_FALSE(flags->GetItem(2));
+    EXPECT_EQ(flags->GetItemAsString(2), "false");
+    std::string walked;
+    for (bool b : *flags) walked += b ? '1' : '0';
+    EXPECT_EQ(walked, "1100");
+    EXPECT_EQ(sink.events.size(), 12u);
+    EXPECT_EQ(MessageOf<CQmInvalidValueException>([&] { flags->AddFromString("yes"); }),
+              "A Boolean Value read from an XML document was invalid [yes]. Valid values are 'true', 'false', '1', "
+              "or '0'");
+    flags->SetItem(3, true);
+    flags->Remove(0);
+
+    CSmartPtr<Exposed<CbooleanCol>> exposed = new Exposed<CbooleanCol>("Flag", "urn:o");
+    exposed->Add(false);
+    exposed->Add(true);
+    TextWriter w;
+    w.StartElement("Card", "urn:o");
+    exposed->ToXml_Int(&w, false, "Flag", CXmlSerializationContext::m_defaultContext, false);
+    EXPECT_EQ(w.out, "<Card{urn:o}><Flag{urn:o}>false</><Flag{urn:o}>true</>");
+}
+
 TEST(PrimitiveCollections, ConversionAndFacetErrorsLeaveTheCollectionUnchanged) {
     CSmartPtr<Ci4Col> bounded = new Ci4Col("Quantity", "", 0, -1, "", -1, -1, "1", "10000", "", "", -1,
                                            CWhitespaceUtils::WhitespaceRule_Collapse, "");

@@ -4,7 +4,9 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -71,6 +73,10 @@ private:
 template <class T>
 class CXmlValueCollection : public CXmlTypeCollection {
 public:
+    // std::vector<bool> packs its items into bits and has no bool to point or
+    // refer to, which GetItem and the add events need: booleans live in a deque.
+    using Items = std::conditional_t<std::is_same_v<T, bool>, std::deque<bool>, std::vector<T>>;
+
     std::int32_t GetCount() const override { return static_cast<std::int32_t>(m_items.size()); }
     const T& GetItem(int index) const {
         CheckIndex(index, GetCount());
@@ -96,12 +102,12 @@ public:
         FireOnCollectionChange();
     }
     std::string GetItemAsString(int index) const override { return ToVariant(GetItem(index)).ToString(Format()); }
-    const std::vector<T>& GetItems() const { return m_items; }
+    const Items& GetItems() const { return m_items; }
 
     // Range-for over the values: for (const std::string& s : names) ...
     // Read-only even through a non-const collection, since every change goes
     // through SetItem and its facet checks.
-    using const_iterator = typename std::vector<T>::const_iterator;
+    using const_iterator = typename Items::const_iterator;
     const_iterator begin() const { return m_items.begin(); }
     const_iterator end() const { return m_items.end(); }
 
@@ -136,7 +142,7 @@ private:
         FireOnCollectionChange();
     }
 
-    std::vector<T> m_items;
+    Items m_items;
 };
 
 }  // namespace QmXmlLib10
