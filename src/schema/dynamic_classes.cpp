@@ -11,6 +11,7 @@
 #include "mapping.h"
 #include "qmxml/collections/class_collection.h"
 #include "qmxml/collections/element.h"
+#include "qmxml/collections/factory_class_collection.h"
 #include "qmxml/collections/primitive_collections.h"
 #include "qmxml/collections/wildcards.h"
 #include "qmxml/core/exception.h"
@@ -39,75 +40,10 @@ namespace {
 
 constexpr const char* kXsiNamespace = "http://www.w3.org/2001/XMLSchema-instance";
 
-// The item classes of one member of a repeating class, group or substitutable
-// element: made by the class set, so their metadata is the set's. The
-// runtime's CXmlFactoryClassCollection (which generated classes use) reads
-// and writes the same way; this one keeps the items typed as CDynamicObject,
-// which programs walking dynamic objects rely on.
-class CDynamicClassCol final : public CXmlTypedClassCollection<CDynamicObject> {
-    using Base = CXmlTypedClassCollection<CDynamicObject>;
-
-public:
-    CDynamicClassCol(const CDynamicClassSet* set, int classIndex, int substitution, bool inlined,
-                     const char* elementName, const char* ns, std::int32_t minOccurs, std::int32_t maxOccurs)
-        : Base(elementName, ns, minOccurs, maxOccurs),
-          m_set(set),
-          m_classIndex(classIndex),
-          m_substitution(substitution),
-          m_inlined(inlined) {}
-
-    bool IsItemElement(const CXmlSerializationContext& ctx, const CXmlElement* element) const override {
-        if (element == nullptr) return false;
-        auto* mutableElement = const_cast<CXmlElement*>(element);
-        if (m_substitution >= 0) return m_set->CreateForElement(m_substitution, mutableElement) != nullptr;
-        if (!m_inlined) return this->DoesElementNameMatch(ctx, element, this->GetElementName(), this->GetNamespace());
-        const CSmartPtr<CXmlObjectBase> probe = m_set->CreateMember(m_classIndex, "");
-        return static_cast<CDynamicObject*>(probe.Get())->IsElementInList(ctx, mutableElement);
-    }
-
-protected:
-    bool IsSubstitutable() const override { return m_substitution >= 0; }
-
-    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
-                             bool) override {
-        const std::string name = this->GetElementName();
-        while (current) {
-            CSmartPtr<CXmlObjectBase> made;
-            if (m_substitution >= 0) {
-                made = m_set->CreateForElement(m_substitution, current);
-                if (!made) break;
-                CXmlObjectAccess::SetElementName(made, current->GetLocalName().c_str());
-            } else {
-                if (!m_inlined && !this->DoesElementNameMatch(ctx, current, name, this->GetNamespace())) break;
-                made = m_set->CreateMember(m_classIndex, name.c_str());
-                if (m_inlined && !static_cast<CDynamicObject*>(made.Get())->IsElementInList(ctx, current)) break;
-            }
-            auto* item = static_cast<CDynamicObject*>(made.Get());
-            CXmlElement* next = Base::ReadItem(item, parent, current, ctx, m_inlined);
-            this->AppendItem(item);
-            if (next == current) break;  // an inlined item that took nothing
-            current = next;
-        }
-        return current;
-    }
-
-    void ToXml_Int(CXmlWriter* writer, bool, const char* elementName, const CXmlSerializationContext& ctx,
-                   bool asChoiceMember) const override {
-        const std::string ownName = GetElementName();
-        const char* name = elementName && *elementName ? elementName : ownName.c_str();
-        for (CNode* node = GetFirstNode(); node; node = node->GetNext()) {
-            const auto* item = static_cast<const CDynamicObject*>(node->GetItem());
-            CXmlObjectAccess::WriteMember(item, writer, name, ctx, asChoiceMember, IsSubstitutable(),
-                                          !item->GetTypeName().empty());
-        }
-    }
-
-private:
-    const CDynamicClassSet* m_set;
-    int m_classIndex;
-    int m_substitution;
-    bool m_inlined;
-};
+// The items of a repeating class, group or substitutable element member: made
+// by the class set, so their metadata is the set's, and typed as dynamic
+// objects for the programs that walk them.
+using CDynamicClassCol = CXmlFactoryClassCollectionOf<CDynamicObject>;
 
 // The repeating elements of one name whose type is xs:anyType: kept whole,
 // like wildcard elements, but only while the name is theirs.

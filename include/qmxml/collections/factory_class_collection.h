@@ -6,6 +6,10 @@
 // read as elements of the collection's name or, for inlined items, while the
 // class claims the current element. Items whose class differs from the
 // declared one (GetTypeName not empty) are written with xsi:type.
+//
+// Item is the class every item derives from: CXmlGeneratedClass for generated
+// classes, CDynamicObject for dynamic ones, whose programs walk the items as
+// dynamic objects.
 #pragma once
 
 #include <cstdint>
@@ -17,12 +21,13 @@
 
 namespace QmXmlLib10 {
 
-class CXmlFactoryClassCollection final : public CXmlTypedClassCollection<CXmlGeneratedClass> {
-    using Base = CXmlTypedClassCollection<CXmlGeneratedClass>;
+template <class Item>
+class CXmlFactoryClassCollectionOf final : public CXmlTypedClassCollection<Item> {
+    using Base = CXmlTypedClassCollection<Item>;
 
 public:
     // factory must outlive the collection.
-    CXmlFactoryClassCollection(const QmXmlLib10Data::IClassFactory* factory, int classIndex, int substitution,
+    CXmlFactoryClassCollectionOf(const QmXmlLib10Data::IClassFactory* factory, int classIndex, int substitution,
                                bool inlined, const char* elementName, const char* ns, std::int32_t minOccurs,
                                std::int32_t maxOccurs)
         : Base(elementName, ns, minOccurs, maxOccurs),
@@ -37,7 +42,7 @@ public:
         if (m_substitution >= 0) return m_factory->CreateForElement(m_substitution, mutableElement) != nullptr;
         if (!m_inlined) return this->DoesElementNameMatch(ctx, element, this->GetElementName(), this->GetNamespace());
         const CSmartPtr<CXmlObjectBase> probe = m_factory->CreateMember(m_classIndex, "");
-        return static_cast<CXmlGeneratedClass*>(probe.Get())->IsElementInList(ctx, mutableElement);
+        return static_cast<Item*>(probe.Get())->IsElementInList(ctx, mutableElement);
     }
 
 protected:
@@ -55,9 +60,9 @@ protected:
             } else {
                 if (!m_inlined && !this->DoesElementNameMatch(ctx, current, name, this->GetNamespace())) break;
                 made = m_factory->CreateMember(m_classIndex, name.c_str());
-                if (m_inlined && !static_cast<CXmlGeneratedClass*>(made.Get())->IsElementInList(ctx, current)) break;
+                if (m_inlined && !static_cast<Item*>(made.Get())->IsElementInList(ctx, current)) break;
             }
-            auto* item = static_cast<CXmlGeneratedClass*>(made.Get());
+            auto* item = static_cast<Item*>(made.Get());
             CXmlElement* next = Base::ReadItem(item, parent, current, ctx, m_inlined);
             this->AppendItem(item);
             if (next == current) break;  // an inlined item that took nothing
@@ -68,11 +73,11 @@ protected:
 
     void ToXml_Int(CXmlWriter* writer, bool, const char* elementName, const CXmlSerializationContext& ctx,
                    bool asChoiceMember) const override {
-        const std::string ownName = GetElementName();
+        const std::string ownName = this->GetElementName();
         const char* name = elementName && *elementName ? elementName : ownName.c_str();
-        for (CNode* node = GetFirstNode(); node; node = node->GetNext()) {
-            const auto* item = static_cast<const CXmlGeneratedClass*>(node->GetItem());
-            CXmlObjectAccess::WriteMember(item, writer, name, ctx, asChoiceMember, IsSubstitutable(),
+        for (typename Base::CNode* node = this->GetFirstNode(); node; node = node->GetNext()) {
+            const auto* item = static_cast<const Item*>(node->GetItem());
+            CXmlObjectAccess::WriteMember(item, writer, name, ctx, asChoiceMember, this->IsSubstitutable(),
                                           !item->GetTypeName().empty());
         }
     }
@@ -83,5 +88,7 @@ private:
     int m_substitution;
     bool m_inlined;
 };
+
+using CXmlFactoryClassCollection = CXmlFactoryClassCollectionOf<CXmlGeneratedClass>;
 
 }  // namespace QmXmlLib10
