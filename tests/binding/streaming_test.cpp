@@ -446,6 +446,35 @@ TEST(StreamingInput, FilesEndAlikeWholeAndInChunks) {
     }
 }
 
+// Compressed Fast Infoset is decoded from the inflated bytes, which the
+// document keeps while binding reads on; files likewise from their contents.
+TEST(StreamingInput, CompressedFastInfosetAndFilesEndAlike) {
+    const CXmlSerializationContext ctx;
+    const std::vector<unsigned char> fi = AsFastInfoset(kMarket, ctx);
+    ASSERT_FALSE(fi.empty());
+    const std::string whole(fi.begin(), fi.end());
+    for (const std::string& bytes : {whole, whole.substr(0, whole.size() / 2), whole.substr(0, whole.size() - 1)}) {
+        for (int windowBits : {15, 31}) {
+            ExpectSame(Make<Market>(), Deflate(bytes, windowBits), ctx);
+        }
+        const std::vector<unsigned char> gzip = Deflate(bytes, 31);
+        const TempFile plain(bytes), compressed(std::string(gzip.begin(), gzip.end()));
+        for (const TempFile* file : {&plain, &compressed}) {
+            CSmartPtr<CXmlObjectBase> tree = new Market(), stream = new Market();
+            const Outcome expected = streamcompare::Run(*tree, ctx, [&] {
+                CXmlDocument document(ctx);
+                document.Load(file->Path());
+                tree->FromXmlElement(document.GetDocumentElement(), ctx);
+            });
+            const Outcome actual = streamcompare::Run(*stream, ctx, [&] { stream->FromXmlFile(file->Path(), ctx); });
+            EXPECT_EQ(expected, actual);
+            if (bytes.size() == whole.size()) {
+                EXPECT_EQ("", actual.failure);
+            }
+        }
+    }
+}
+
 // A tree the application loaded keeps all of its elements after binding.
 TEST(StreamingInput, LoadedTreeIsLeftWhole) {
     CXmlDocument document;
