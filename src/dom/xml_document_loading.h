@@ -18,9 +18,11 @@ class CXmlSerializationContext;
 class CXmlStreamSource;
 
 // Loads a Fast Infoset document into document through CXmlTreeBuilder and
-// CXmlDocumentLoading. Returns false, having built nothing, when the bytes are
-// not Fast Infoset (they are then parsed as XML text); throws CQmException
-// when they are Fast Infoset but malformed.
+// CXmlDocumentLoading (after RequestStreaming, only up to the start of the
+// document element, leaving a stream source that decodes from data, which
+// the caller keeps alive with the document). Returns false, having built
+// nothing, when the bytes are not Fast Infoset (they are then parsed as XML
+// text); throws CQmException when they are Fast Infoset but malformed.
 using FastInfosetLoader = bool (*)(CXmlDocument& document, const unsigned char* data,
                                    std::uint32_t length, const CXmlSerializationContext& context);
 
