@@ -130,8 +130,10 @@ bool CFastInfosetReader::Begin(CXmlDocument& document, const unsigned char* data
     return true;
 }
 
-// The document's children: its element, processing instructions, comments
-// and a document type declaration, up to the terminator.
+// Decodes on from where the last call stopped: the document's children (its
+// element, processing instructions, comments, a document type declaration)
+// up to the terminator, the element's content through Content. The tree
+// path calls it once, with no stop set.
 bool CFastInfosetReader::Continue() {
     for (;;) {
         switch (m_where) {
