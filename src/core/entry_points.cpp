@@ -97,9 +97,9 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration, const CXm
     return CBinaryData::Compress(bytes.GetData(), bytes.GetLength(), compression);
 }
 
-// Binds while the parser reads on (text input; Fast Infoset arrives as a
-// whole tree): the content model walks the tree as it grows, and each
-// element's content is freed once its object is read.
+// Binds while the parser (Expat or the Fast Infoset decoder) reads on: the
+// content model walks the tree as it grows, and each element's content is
+// freed once its object is read.
 // A document that turns out not to be well formed leaves the object as
 // reading begins: initialised (a tree that fails to load would not have been
 // bound at all, which for a new object is the same state).

@@ -218,9 +218,10 @@ void CXmlDocument::LoadDetected(const unsigned char* data, std::size_t length) {
     }
     if (fastInfoset) {
         m_detectedFormat.format = XmlInputFormat_FastInfoset;
-        return;
+    } else {
+        ParseText(data, length);
     }
-    ParseText(data, length);
+    // Read while binding, the source goes on in the inflated bytes.
     if (m_stream && !inflated.empty()) m_stream->Adopt(std::move(inflated));
 }
 

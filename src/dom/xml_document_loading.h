@@ -18,9 +18,11 @@ class CXmlSerializationContext;
 class CXmlStreamSource;
 
 // Loads a Fast Infoset document into document through CXmlTreeBuilder and
-// CXmlDocumentLoading. Returns false, having built nothing, when the bytes are
-// not Fast Infoset (they are then parsed as XML text); throws CQmException
-// when they are Fast Infoset but malformed.
+// CXmlDocumentLoading (after RequestStreaming, only up to the start of the
+// document element, leaving a stream source that decodes from data, which
+// the caller keeps alive with the document). Returns false, having built
+// nothing, when the bytes are not Fast Infoset (they are then parsed as XML
+// text); throws CQmException when they are Fast Infoset but malformed.
 using FastInfosetLoader = bool (*)(CXmlDocument& document, const unsigned char* data,
                                    std::uint32_t length, const CXmlSerializationContext& context);
 
@@ -56,10 +58,10 @@ public:
     // The schema type read from the context when the document was constructed.
     static int GetSchemaType(const CXmlDocument& document) noexcept { return document.m_schemaType; }
 
-    // Reading while binding. After RequestStreaming, the next load of XML
-    // text parses only up to the start of the document element (Fast
-    // Infoset is still loaded whole); the tree then grows as its accessors
-    // reach what has not been parsed yet. Bind runs the binding, reads the
+    // Reading while binding. After RequestStreaming, the next load parses
+    // only up to the start of the document element (XML text or Fast
+    // Infoset alike); the tree then grows as its accessors reach what has
+    // not been parsed yet. Bind runs the binding, reads the
     // rest of the input (keeping none of it) and reports as loading and
     // binding a whole tree would: the parser's error when the document is
     // not well formed, even where binding failed first, otherwise what
@@ -68,6 +70,9 @@ public:
     // binding did.
     static void RequestStreaming(CXmlDocument& document) noexcept { document.m_streamRequested = true; }
     static CXmlStreamSource* GetStream(const CXmlDocument& document) noexcept { return document.m_stream.get(); }
+    // For the Fast Infoset loader, which sets up its own source.
+    static bool IsStreamingRequested(const CXmlDocument& document) noexcept { return document.m_streamRequested; }
+    static CXmlStreamSource& SetStream(CXmlDocument& document, std::unique_ptr<CXmlStreamSource> stream) noexcept;
     static void Bind(CXmlDocument& document, const std::function<void()>& bind,
                      const std::function<void()>& undo = nullptr);
     // Parses the rest into the tree, as loading would have.

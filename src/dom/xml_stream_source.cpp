@@ -13,13 +13,54 @@ namespace QmXmlLib10 {
 
 namespace {
 
-// The source over Expat; hidden like the reader it owns.
-class __attribute__((visibility("hidden"))) CExpatStreamSource final : public CXmlStreamSource {
+// Expat as a pull parser: pieces of input are fed as it asks, and a parse
+// suspended at an element end is resumed inside the same piece.
+class __attribute__((visibility("hidden"))) CExpatPullParser final : public CXmlPullParser {
 public:
-    CExpatStreamSource(std::unique_ptr<CExpatReader> reader, NextPiece next)
+    CExpatPullParser(std::unique_ptr<CExpatReader> reader, CXmlStreamSource::NextPiece next)
         : m_reader(std::move(reader)), m_next(std::move(next)) {
         m_reader->MarkOpenElements();
     }
+
+    void SetStopBelow(std::size_t count) noexcept override { m_reader->SetStopBelow(count); }
+    void StopAtDocumentElement() noexcept override { m_reader->StopAtDocumentElement(); }
+    void DiscardEndedElements() noexcept override { m_reader->DiscardEndedElements(); }
+    std::size_t GetOpenCount() const noexcept override { return m_reader->GetOpenCount(); }
+    CXmlElement* GetOpenElement(std::size_t index) const noexcept override {
+        return m_reader->GetOpenElement(index);
+    }
+    bool Continue() override;
+
+private:
+    std::unique_ptr<CExpatReader> m_reader;
+    CXmlStreamSource::NextPiece m_next;
+    bool m_suspended = false;  // the parser stopped inside the current piece
+    bool m_lastPiece = false;  // the current piece is the final one
+};
+
+bool CExpatPullParser::Continue() {
+    for (;;) {
+        bool suspended;
+        if (m_suspended) {
+            suspended = m_reader->Resume();
+        } else {
+            const char* data = nullptr;
+            std::size_t length = 0;
+            bool last = false;
+            if (!m_next(data, length, last)) return false;
+            m_lastPiece = last;
+            suspended = m_reader->ParseCopy(data, length, last);
+        }
+        m_suspended = suspended;
+        if (suspended) return true;
+        if (m_lastPiece) return false;
+    }
+}
+
+// The lazy tree over any pull parser; hidden like the parsers it drives.
+class __attribute__((visibility("hidden"))) CPullStreamSource final : public CXmlStreamSource {
+public:
+    explicit CPullStreamSource(std::unique_ptr<CXmlPullParser> parser) : m_parser(std::move(parser)) {}
 
     void ReadToDocumentElement() override;
     void Drain() override;
@@ -36,55 +77,42 @@ private:
     // Step for the accessors: failures become CXmlStreamAbort.
     bool Pull(std::size_t stopBelow);
 
-    std::unique_ptr<CExpatReader> m_reader;
-    NextPiece m_next;
-    bool m_suspended = false;  // the parser stopped inside the current piece
-    bool m_lastPiece = false;  // the current piece is the final one
+    std::unique_ptr<CXmlPullParser> m_parser;
     bool m_finished = false;
     std::exception_ptr m_failure;
 };
 
 }  // namespace
 
+CXmlPullParser::~CXmlPullParser() = default;
+
 std::unique_ptr<CXmlStreamSource> CXmlStreamSource::Create(std::unique_ptr<CExpatReader> reader, NextPiece next) {
-    return std::make_unique<CExpatStreamSource>(std::move(reader), std::move(next));
+    return Create(std::make_unique<CExpatPullParser>(std::move(reader), std::move(next)));
+}
+
+std::unique_ptr<CXmlStreamSource> CXmlStreamSource::Create(std::unique_ptr<CXmlPullParser> parser) {
+    return std::make_unique<CPullStreamSource>(std::move(parser));
 }
 
 CXmlStreamSource::~CXmlStreamSource() = default;
 
-bool CExpatStreamSource::Step(std::size_t stopBelow) {
+bool CPullStreamSource::Step(std::size_t stopBelow) {
     if (m_failure) std::rethrow_exception(m_failure);
-    m_reader->SetStopBelow(stopBelow);
+    if (m_finished) return false;
+    m_parser->SetStopBelow(stopBelow);
     try {
-        while (!m_finished) {
-            bool suspended;
-            if (m_suspended) {
-                suspended = m_reader->Resume();
-            } else {
-                const char* data = nullptr;
-                std::size_t length = 0;
-                bool last = false;
-                if (!m_next(data, length, last)) {
-                    m_finished = true;
-                    break;
-                }
-                m_lastPiece = last;
-                suspended = m_reader->ParseCopy(data, length, last);
-            }
-            m_suspended = suspended;
-            if (suspended) return true;
-            if (m_lastPiece) m_finished = true;
-        }
+        if (m_parser->Continue()) return true;
     } catch (...) {
         // The parser cannot go on after an error: every later step reports it.
         m_failure = std::current_exception();
         m_finished = true;
         throw;
     }
+    m_finished = true;
     return false;
 }
 
-bool CExpatStreamSource::Pull(std::size_t stopBelow) {
+bool CPullStreamSource::Pull(std::size_t stopBelow) {
     try {
         return Step(stopBelow);
     } catch (...) {
@@ -92,27 +120,33 @@ bool CExpatStreamSource::Pull(std::size_t stopBelow) {
     }
 }
 
-void CExpatStreamSource::ReadToDocumentElement() {
-    m_reader->StopAtDocumentElement();
+void CPullStreamSource::ReadToDocumentElement() {
+    m_parser->StopAtDocumentElement();
     Step(0);
 }
 
-void CExpatStreamSource::Drain() {
-    m_reader->DiscardEndedElements();
+void CPullStreamSource::Drain() {
+    m_parser->DiscardEndedElements();
     while (Step(0)) {
     }
 }
 
-void CExpatStreamSource::ReadRest() {
+void CPullStreamSource::ReadRest() {
     while (Step(0)) {
     }
+}
+
+CXmlStreamSource& CXmlDocumentLoading::SetStream(CXmlDocument& document,
+                                                 std::unique_ptr<CXmlStreamSource> stream) noexcept {
+    document.m_stream = std::move(stream);
+    return *document.m_stream;
 }
 
 void CXmlDocumentLoading::ReadWhole(CXmlDocument& document) {
     if (document.m_stream) document.m_stream->ReadRest();
 }
 
-void CExpatStreamSource::RethrowFailure() const {
+void CPullStreamSource::RethrowFailure() const {
     if (m_failure) std::rethrow_exception(m_failure);
     // The input ended inside an element without the parser saying so.
     throw CQmException("Invalid or empty XML document");
@@ -147,7 +181,7 @@ void CXmlDocumentLoading::Bind(CXmlDocument& document, const std::function<void(
 namespace {
 
 // Where element stands among the open elements; count when it is not open.
-std::size_t OpenIndex(const CExpatReader& reader, const CXmlElement* element) {
+std::size_t OpenIndex(const CXmlPullParser& reader, const CXmlElement* element) {
     const std::size_t count = reader.GetOpenCount();
     for (std::size_t i = count; i > 0; --i) {
         if (reader.GetOpenElement(i - 1) == element) return i - 1;
@@ -157,26 +191,26 @@ std::size_t OpenIndex(const CExpatReader& reader, const CXmlElement* element) {
 
 }  // namespace
 
-void CExpatStreamSource::WaitUntilClosed(const CXmlElement* element) {
+void CPullStreamSource::WaitUntilClosed(const CXmlElement* element) {
     while (CXmlTreeBuilder::IsOpen(element)) {
-        const std::size_t index = OpenIndex(*m_reader, element);
+        const std::size_t index = OpenIndex(*m_parser, element);
         // Stop once element ends (index elements are then left open).
         if (!Pull(index + 1) && CXmlTreeBuilder::IsOpen(element)) throw CXmlStreamAbort{};
     }
 }
 
-CXmlElement* CExpatStreamSource::FirstElement(const CXmlElement* element) {
+CXmlElement* CPullStreamSource::FirstElement(const CXmlElement* element) {
     for (;;) {
         CXmlElement* first = CXmlTreeBuilder::PeekFirstChild(element);
         if (first != nullptr && !CXmlTreeBuilder::IsOpen(first)) return first;
         if (!CXmlTreeBuilder::IsOpen(element)) return first;
         // Stop when a child of element ends, or element itself.
-        const std::size_t index = OpenIndex(*m_reader, element);
+        const std::size_t index = OpenIndex(*m_parser, element);
         if (!Pull(index + 2) && CXmlTreeBuilder::IsOpen(element)) throw CXmlStreamAbort{};
     }
 }
 
-CXmlElement* CExpatStreamSource::NextSibling(const CXmlElement* element) {
+CXmlElement* CPullStreamSource::NextSibling(const CXmlElement* element) {
     for (;;) {
         CXmlElement* next = CXmlTreeBuilder::PeekNextSibling(element);
         if (next != nullptr) {
@@ -185,9 +219,9 @@ CXmlElement* CExpatStreamSource::NextSibling(const CXmlElement* element) {
         }
         // Without a next sibling so far, element is either the last child of
         // the innermost open element (more may come) or its parent has ended.
-        const std::size_t count = m_reader->GetOpenCount();
+        const std::size_t count = m_parser->GetOpenCount();
         if (count == 0) return nullptr;
-        CXmlElement* parent = m_reader->GetOpenElement(count - 1);
+        CXmlElement* parent = m_parser->GetOpenElement(count - 1);
         if (CXmlTreeBuilder::GetLastChild(parent) != element) return nullptr;
         if (!Pull(count + 1)) return CXmlTreeBuilder::PeekNextSibling(element);
     }

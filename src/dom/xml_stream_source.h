@@ -1,7 +1,8 @@
 // Parses a document a piece at a time while it is being bound, so that no
 // whole tree is built: the tree's accessors ask for more input (through the
 // slow paths of CXmlElement) when they reach an element the parser has not
-// finished. Internal to the library.
+// finished. XML text (Expat) and Fast Infoset feed the same source through
+// CXmlPullParser. Internal to the library.
 #pragma once
 
 #include <cstddef>
@@ -23,6 +24,31 @@ class CXmlElement;
 // the read turns it back into that error (CXmlStreamSource::RethrowFailure).
 struct CXmlStreamAbort {};
 
+// A parser that builds a document's elements through CXmlTreeBuilder and
+// hands control back at element ends, so that the lazy tree can grow as far
+// as binding has read. Every element it builds is tagged open
+// (CXmlTreeBuilder::SetOpen) from its start to its end.
+class CXmlPullParser {
+public:
+    virtual ~CXmlPullParser();
+    // Stop when an element ends leaving fewer than count open elements (0: never).
+    virtual void SetStopBelow(std::size_t count) noexcept = 0;
+    // Stop once the document element has started.
+    virtual void StopAtDocumentElement() noexcept = 0;
+    // From now on destroy every element but the document element as it ends.
+    virtual void DiscardEndedElements() noexcept = 0;
+    // The open elements, the document element first.
+    virtual std::size_t GetOpenCount() const noexcept = 0;
+    virtual CXmlElement* GetOpenElement(std::size_t index) const noexcept = 0;
+    // Parses on: true when a stop ended the call, false when the document is
+    // complete. Throws the parse error as loading would; after a throw or a
+    // false it is not called again.
+    virtual bool Continue() = 0;
+
+protected:
+    CXmlPullParser() = default;
+};
+
 class CXmlStreamSource {
 public:
     // Fills data/length with the next piece of input; false when none is left.
@@ -30,6 +56,8 @@ public:
 
     // The parse of one document, fed by next.
     static std::unique_ptr<CXmlStreamSource> Create(std::unique_ptr<CExpatReader> reader, NextPiece next);
+    // The parse of one document by a parser that holds its input.
+    static std::unique_ptr<CXmlStreamSource> Create(std::unique_ptr<CXmlPullParser> parser);
     virtual ~CXmlStreamSource();
     CXmlStreamSource(const CXmlStreamSource&) = delete;
     CXmlStreamSource& operator=(const CXmlStreamSource&) = delete;

@@ -53,8 +53,18 @@ CFastInfosetReader::~CFastInfosetReader() = default;
 
 bool CFastInfosetReader::Load(CXmlDocument& document, const unsigned char* data, std::uint32_t length,
                               const CXmlSerializationContext& context) {
-    CFastInfosetReader reader(context.GetFIContext());
-    return reader.Parse(document, data, length);
+    if (!CXmlDocumentLoading::IsStreamingRequested(document)) {
+        CFastInfosetReader reader(context.GetFIContext());
+        return reader.Parse(document, data, length);
+    }
+    // Binding while decoding: the document keeps the reader, which decodes
+    // on as the tree's accessors ask.
+    auto reader = std::make_unique<CFastInfosetReader>(context.GetFIContext());
+    if (!reader->Begin(document, data, length)) return false;
+    reader->MarkOpenElements();
+    CXmlStreamSource& stream = CXmlDocumentLoading::SetStream(document, CXmlStreamSource::Create(std::move(reader)));
+    stream.ReadToDocumentElement();
+    return true;
 }
 
 void CFastInfosetReader::LoadVocabulary() {
@@ -80,6 +90,13 @@ void CFastInfosetReader::LoadVocabulary() {
 }
 
 bool CFastInfosetReader::Parse(CXmlDocument& document, const unsigned char* data, std::size_t length) {
+    if (!Begin(document, data, length)) return false;
+    while (Continue()) {
+    }
+    return true;
+}
+
+bool CFastInfosetReader::Begin(CXmlDocument& document, const unsigned char* data, std::size_t length) {
     // Without namespace processing a name may hold colons, as in XML text.
     m_colonsInNames = CXmlDocumentLoading::GetSchemaType(document) == SchemaType_NoNamespaces;
     std::size_t start = 0;
@@ -106,31 +123,56 @@ bool CFastInfosetReader::Parse(CXmlDocument& document, const unsigned char* data
     m_text.clear();
     m_scratch.clear();
     m_scratch.reserve(1024);
+    m_where = Where::Document;
+    m_haveRoot = false;
     LoadVocabulary();
-
     OptionalComponents();
-    bool haveRoot = false;
+    return true;
+}
+
+// Decodes on from where the last call stopped: the document's children (its
+// element, processing instructions, comments, a document type declaration)
+// up to the terminator, the element's content through Content. The tree
+// path calls it once, with no stop set.
+bool CFastInfosetReader::Continue() {
     for (;;) {
-        const unsigned char octet = Byte();
-        if (octet == 0xF0 || octet == 0xFF) break;
-        if (octet < 0x80) {
-            if (haveRoot) Fail("Invalid Encoding of Element type.");
-            haveRoot = true;
-            // The element's last 0xFF may end the document too.
-            if (Elements(octet)) break;
-        } else if (octet == 0xE1) {
-            ProcessingInstruction();
-        } else if (octet == 0xE2) {
-            Comment();
-        } else if ((octet & 0xFC) == 0xC4) {
-            if (DocumentTypeDeclaration(octet)) break;
-        } else {
-            Fail("Invalid Encoding of Element type.");
+        switch (m_where) {
+            case Where::Done:
+                return false;
+            case Where::Content:
+                if (Content()) return true;
+                break;
+            case Where::SecondEnd:
+                if (End(false)) return true;
+                break;
+            case Where::Document: {
+                const unsigned char octet = Byte();
+                if (octet == 0xF0 || octet == 0xFF) {
+                    Finish();
+                } else if (octet < 0x80) {
+                    if (m_haveRoot) Fail("Invalid Encoding of Element type.");
+                    m_haveRoot = true;
+                    m_where = Where::Content;
+                    if (Start(octet)) return true;
+                } else if (octet == 0xE1) {
+                    ProcessingInstruction();
+                } else if (octet == 0xE2) {
+                    Comment();
+                } else if ((octet & 0xFC) == 0xC4) {
+                    if (DocumentTypeDeclaration(octet)) Finish();
+                } else {
+                    Fail("Invalid Encoding of Element type.");
+                }
+                break;
+            }
         }
     }
+}
+
+void CFastInfosetReader::Finish() {
+    m_where = Where::Done;
     std::string().swap(m_scratch);
-    CXmlDocumentLoading::SetFastInfosetStatistics(document, GetStatistics());
-    return true;
+    CXmlDocumentLoading::SetFastInfosetStatistics(*m_document, GetStatistics());
 }
 
 CFastInfosetStatistics CFastInfosetReader::GetStatistics() const {
@@ -550,22 +592,18 @@ bool CFastInfosetReader::DocumentTypeDeclaration(unsigned char octet) {
     }
 }
 
-// Carriage returns are never stored, as with XML text.
-void CFastInfosetReader::AppendChunkText(const std::string& chunk) {
-    for (char c : chunk)
-        if (c != '\r') m_text += c;
-}
-
 // True when a 0xFF after the attributes ended the element as well.
 bool CFastInfosetReader::StartElement(unsigned char octet) {
     const bool hasAttributes = (octet & 0x40) != 0;
     m_elementAttributes.clear();
     if ((octet & 0x3C) == 0x38) octet = NamespaceDeclarations();
     const QName name = ElementName(octet);
+    CXmlElement* previous = m_open.empty() ? nullptr : CXmlTreeBuilder::GetLastChild(m_open.back().element);
     CXmlElement* element = m_open.empty() ? CXmlTreeBuilder::CreateDocumentElement(*m_document)
                                           : CXmlTreeBuilder::CreateChild(m_open.back().element);
     CXmlTreeBuilder::SetName(element, name.localName, name.namespaceURI);
-    m_open.push_back({element, m_text.size()});
+    m_open.push_back({element, m_text.size(), previous});
+    if (m_markOpen) CXmlTreeBuilder::SetOpen(element, true);
     if (!m_elementAttributes.empty()) DeclarationAttributes(element);
     if (!hasAttributes) return false;
     for (;;) {
@@ -640,45 +678,75 @@ void CFastInfosetReader::CloseElement() {
         CXmlTreeBuilder::AppendText(top.element, m_text.data() + top.textStart, m_text.size() - top.textStart);
         m_text.resize(top.textStart);
     }
+    if (m_markOpen) CXmlTreeBuilder::SetOpen(top.element, false);
     m_open.pop_back();
-    const CXmlDocument::ElementFilter filter = CXmlDocumentLoading::GetElementFilter(*m_document);
     // The document element has no parent to be removed from.
-    if (filter != nullptr && !m_open.empty() && filter(top.element))
-        CXmlTreeBuilder::DeleteLastChild(m_open.back().element);
+    if (m_open.empty()) return;
+    if (m_discard) {
+        CXmlTreeBuilder::UnlinkLastChild(m_open.back().element, top.previous);
+        CXmlTreeBuilder::DestroyElement(top.element);
+        return;
+    }
+    const CXmlDocument::ElementFilter filter = CXmlDocumentLoading::GetElementFilter(*m_document);
+    if (filter != nullptr && filter(top.element)) CXmlTreeBuilder::DeleteLastChild(m_open.back().element);
 }
 
-// The document element and its subtree, with an explicit stack. True when the
-// last terminator was an 0xFF that also ended the document.
-bool CFastInfosetReader::Elements(unsigned char octet) {
-    std::string chunk;
+bool CFastInfosetReader::End(bool doubled) {
+    CloseElement();
+    if (m_open.empty()) {
+        // After the document element, an 0xFF ends the document as well.
+        if (doubled) {
+            Finish();
+        } else {
+            m_where = Where::Document;
+        }
+    } else {
+        m_where = doubled ? Where::SecondEnd : Where::Content;
+    }
+    return m_open.size() < m_stopBelow;
+}
+
+bool CFastInfosetReader::Start(unsigned char octet) {
+    // A 0xFF after the attributes ends the element too.
+    const bool ended = StartElement(octet);
+    bool stop = false;
+    if (m_stopAtStart) {
+        m_stopAtStart = false;
+        stop = true;
+    }
+    if (ended && End(false)) stop = true;
+    return stop;
+}
+
+// The loop over the octets of element content, the decoder's inner loop. It
+// goes back to Continue at a stop and when the document element ends.
+bool CFastInfosetReader::Content() {
     for (;;) {
-        if (StartElement(octet)) {
-            CloseElement();
-            if (m_open.empty()) return false;
+        const unsigned char octet = Byte();
+        if (octet < 0x80) {
+            if (Start(octet)) return true;
+        } else if ((octet & 0xC0) == 0x80) {
+            // Carriage returns are never stored, as with XML text; the chunk
+            // table keeps the chunk as it came.
+            const std::size_t start = m_text.size();
+            CharacterChunk(octet, m_text);
+            const std::size_t cr = m_text.find('\r', start);
+            if (cr != std::string::npos) m_text.erase(std::remove(m_text.begin() + cr, m_text.end(), '\r'), m_text.end());
+            continue;
+        } else if (octet == 0xF0) {
+            if (End(false)) return true;
+        } else if (octet == 0xFF) {
+            if (End(true)) return true;
+        } else if (octet == 0xE1) {
+            ProcessingInstruction();
+            continue;
+        } else if (octet == 0xE2) {
+            Comment();
+            continue;
+        } else {
+            Fail("Invalid Encoding of Element type.");
         }
-        for (;;) {
-            octet = Byte();
-            if (octet < 0x80) break;
-            if ((octet & 0xC0) == 0x80) {
-                chunk.clear();
-                CharacterChunk(octet, chunk);
-                AppendChunkText(chunk);
-            } else if (octet == 0xF0) {
-                CloseElement();
-                if (m_open.empty()) return false;
-            } else if (octet == 0xFF) {
-                CloseElement();
-                if (m_open.empty()) return true;
-                CloseElement();
-                if (m_open.empty()) return false;
-            } else if (octet == 0xE1) {
-                ProcessingInstruction();
-            } else if (octet == 0xE2) {
-                Comment();
-            } else {
-                Fail("Invalid Encoding of Element type.");
-            }
-        }
+        if (m_where != Where::Content) return false;
     }
 }
 

@@ -1,4 +1,5 @@
-// Decodes a Fast Infoset document into a CXmlDocument. Internal to the
+// Decodes a Fast Infoset document into a CXmlDocument, whole or an element
+// at a time (as a pull parser for binding while decoding). Internal to the
 // library: documents reach it through the document loader.
 #pragma once
 
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "dom/expat_reader.h"
+#include "dom/xml_stream_source.h"
 #include "qmxml/fastinfoset/fi_statistics.h"
 
 namespace QmXmlLib10 {
@@ -19,16 +21,31 @@ class CXmlSerializationContext;
 class CFastInfosetContext;
 class CFIVocabulary;
 
-class CFastInfosetReader {
+class __attribute__((visibility("hidden"))) CFastInfosetReader final : public CXmlPullParser {
 public:
     explicit CFastInfosetReader(const CFastInfosetContext& fiContext);
-    ~CFastInfosetReader();
+    ~CFastInfosetReader() override;
     CFastInfosetReader(const CFastInfosetReader&) = delete;
     CFastInfosetReader& operator=(const CFastInfosetReader&) = delete;
 
     // False, with nothing built, when data is not Fast Infoset; throws
     // CQmException when it is but is malformed.
     bool Parse(CXmlDocument& document, const unsigned char* data, std::size_t length);
+    // The first half of Parse: false, with nothing read, when data is not
+    // Fast Infoset; otherwise reads the header, after which Continue decodes
+    // the rest. data must outlive the reader.
+    bool Begin(CXmlDocument& document, const unsigned char* data, std::size_t length);
+
+    // CXmlPullParser: Continue decodes until a stop or the document's end.
+    void SetStopBelow(std::size_t count) noexcept override { m_stopBelow = count; }
+    void StopAtDocumentElement() noexcept override { m_stopAtStart = true; }
+    void DiscardEndedElements() noexcept override { m_discard = true; }
+    std::size_t GetOpenCount() const noexcept override { return m_open.size(); }
+    CXmlElement* GetOpenElement(std::size_t index) const noexcept override { return m_open[index].element; }
+    bool Continue() override;
+    // Tags elements open from start to end (see CXmlPullParser); for
+    // binding while decoding only.
+    void MarkOpenElements() noexcept { m_markOpen = true; }
 
     // The sizes of the working vocabulary's tables, as far as read.
     CFastInfosetStatistics GetStatistics() const;
@@ -44,7 +61,15 @@ private:
     };
     struct Open {
         CXmlElement* element;
-        std::size_t textStart;
+        std::size_t textStart;  // where its text begins in m_text
+        CXmlElement* previous;  // its previous sibling, to unlink it when discarding
+    };
+    // Where decoding stands between two calls of Continue.
+    enum class Where {
+        Document,   // among the document's children, before or after its element
+        Content,    // inside an element
+        SecondEnd,  // an 0xFF ended one element and ends the next one too
+        Done,
     };
     enum class Table { Prefix, Namespace, Local, OtherNCName, OtherURI };
 
@@ -88,9 +113,15 @@ private:
     bool StartElement(unsigned char octet);
     // Throws when the open start tag holds one attribute name twice.
     void CheckAttributeNames();
-    bool Elements(unsigned char octet);
-    void AppendChunkText(const std::string& chunk);
+    // Element content up to a stop (true) or until decoding leaves it (false).
+    bool Content();
+    // StartElement and what follows: true for a stop.
+    bool Start(unsigned char octet);
+    // Ends the innermost element (and, for an 0xFF, notes that the next one
+    // ends as well): true for a stop.
+    bool End(bool doubled);
     void CloseElement();
+    void Finish();
 
     void LoadVocabulary();
 
@@ -114,7 +145,13 @@ private:
     std::uint32_t m_otherStrings = 0;
 
     std::vector<Open> m_open;
-    std::string m_text;
+    Where m_where = Where::Done;
+    bool m_haveRoot = false;
+    std::size_t m_stopBelow = 0;
+    bool m_stopAtStart = false;
+    bool m_markOpen = false;
+    bool m_discard = false;
+    std::string m_text;  // the text of the open elements, back to back
     std::string m_scratch;
     std::string m_value;
     CExpatNameCheck m_names;  // literal local names must be names in XML text too

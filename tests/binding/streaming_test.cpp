@@ -7,11 +7,13 @@
 #include <unistd.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "binding/stream_compare.h"
@@ -226,6 +228,129 @@ TEST_P(StreamingCase, EveryTruncationEndsAlike) {
 INSTANTIATE_TEST_SUITE_P(Documents, StreamingCase, ::testing::ValuesIn(Cases()),
                          [](const ::testing::TestParamInfo<Case>& info) { return std::string(info.param.name); });
 
+// ------------------------------------------------------------ the cases as Fast Infoset
+
+// The document as Fast Infoset, written by the library's own writer from the
+// element tree the text loads into; empty when the text does not load.
+std::vector<unsigned char> AsFastInfoset(const std::string& text, const CXmlSerializationContext& ctx) {
+    CSmartPtr<CElement> element = new CElement();
+    try {
+        element->FromXml(text.c_str(), ctx);
+    } catch (const CQmException&) {
+        return {};
+    }
+    const CBinaryData fi = element->ToFastInfosetStream(FInfoDecl_None, ctx);
+    return std::vector<unsigned char>(fi.GetData(), fi.GetData() + fi.GetLength());
+}
+
+// The cases whose text is well formed: only those have a Fast Infoset form.
+std::vector<Case> WellFormedCases() {
+    std::vector<Case> cases;
+    for (const Case& c : Cases()) {
+        if (!AsFastInfoset(c.document, Context(c.switches)).empty()) cases.push_back(c);
+    }
+    return cases;
+}
+
+class StreamingFastInfosetCase : public ::testing::TestWithParam<Case> {};
+
+TEST_P(StreamingFastInfosetCase, EndsAsTheTreePathDoes) {
+    const Case& c = GetParam();
+    const CXmlSerializationContext ctx = Context(c.switches);
+    const std::vector<unsigned char> fi = AsFastInfoset(c.document, ctx);
+    ASSERT_FALSE(fi.empty());
+    const Outcome outcome = ExpectSame(c.make, fi, ctx);
+    // Binding sees the same tree as from the text, so it ends the same way.
+    CSmartPtr<CXmlObjectBase> fromText = c.make();
+    const Outcome text = streamcompare::WhileParsing(*fromText, Bytes(c.document), ctx);
+    EXPECT_EQ(text, outcome);
+}
+
+// Every prefix of the encoded document, and the document with one octet
+// replaced at each place: the decoder's error must win wherever binding
+// stopped, and what was bound before it must be the same.
+TEST_P(StreamingFastInfosetCase, EveryTruncationAndCorruptionEndsAlike) {
+    const Case& c = GetParam();
+    const CXmlSerializationContext ctx = Context(c.switches);
+    const std::vector<unsigned char> fi = AsFastInfoset(c.document, ctx);
+    ASSERT_FALSE(fi.empty());
+    const std::size_t step = fi.size() > 2000 ? fi.size() / 100 : 1;
+    for (std::size_t length = 1; length < fi.size(); length += step) {
+        SCOPED_TRACE("cut at " + std::to_string(length));
+        ExpectSame(c.make, std::vector<unsigned char>(fi.begin(), fi.begin() + length), ctx);
+    }
+    // Past the four identification octets and the version, every octet is
+    // structure or content; these values are terminators, an element start
+    // of a name that may not exist, and chunk and attribute encodings.
+    const std::size_t corruptStep = fi.size() > 2000 ? fi.size() / 25 : 1;
+    for (std::size_t at = 5; at < fi.size(); at += corruptStep) {
+        for (unsigned char octet : {0x00, 0x1F, 0x3F, 0x7F, 0x80, 0xAF, 0xE0, 0xF0, 0xFF}) {
+            if (fi[at] == octet) continue;
+            std::vector<unsigned char> corrupt = fi;
+            corrupt[at] = octet;
+            SCOPED_TRACE("octet " + std::to_string(at) + " set to " + std::to_string(octet));
+            ExpectSame(c.make, corrupt, ctx);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Documents, StreamingFastInfosetCase, ::testing::ValuesIn(WellFormedCases()),
+                         [](const ::testing::TestParamInfo<Case>& info) { return std::string(info.param.name); });
+
+// A failure as the comparison describes it: exception class, then the full message chain.
+template <class Exception>
+std::string Failure(const std::string& chain) {
+    return std::string(typeid(Exception).name()) + ": " + chain;
+}
+
+// A value binding refuses early, then a fault the decoder finds only later.
+class FastInfosetFaultAfterInvalidValue : public ::testing::Test {
+protected:
+    const std::string m_text = "<Person" + kF + " level=\"low\"><Name>K</Name><Age>x</Age><Email>e</Email></Person>";
+    const std::vector<unsigned char> m_fi = AsFastInfoset(m_text, CXmlSerializationContext());
+
+    // Both paths, which must agree; their failure.
+    std::string Read(const std::vector<unsigned char>& bytes) {
+        return ExpectSame(Make<Person>(), bytes, CXmlSerializationContext()).failure;
+    }
+};
+
+TEST_F(FastInfosetFaultAfterInvalidValue, BindingFailsWhenTheStreamIsSound) {
+    ASSERT_FALSE(m_fi.empty());
+    EXPECT_EQ(Failure<CQmValidationException>(
+                  "Failed to process the element [Person]\n\nThe value [x] can not be converted to a i4"), Read(m_fi));
+}
+
+TEST_F(FastInfosetFaultAfterInvalidValue, TruncatedStreamWins) {
+    ASSERT_FALSE(m_fi.empty());
+    const std::vector<unsigned char> cut(m_fi.begin(), m_fi.end() - 1);
+    EXPECT_EQ(Failure<CQmException>("Failed to parse FastInfoset. Unexpected End of File."), Read(cut));
+}
+
+TEST_F(FastInfosetFaultAfterInvalidValue, SecondDocumentElementWins) {
+    ASSERT_FALSE(m_fi.empty());
+    // The document element ended, then a start of a second one (name index 1).
+    std::vector<unsigned char> twice = m_fi;
+    if (twice.back() == 0xF0) {
+        twice.back() = 0x00;
+    } else {
+        twice.back() = 0xF0;  // an 0xFF ended the element and the document at once
+        twice.push_back(0x00);
+    }
+    EXPECT_EQ(Failure<CQmException>("Failed to parse FastInfoset. Invalid Encoding of Element type."), Read(twice));
+}
+
+TEST_F(FastInfosetFaultAfterInvalidValue, ChunkIndexOutOfRangeWins) {
+    ASSERT_FALSE(m_fi.empty());
+    // The last "e" is the Email value (no name holds one): its chunk octet
+    // becomes a reference to the 16th chunk, of three at most.
+    std::vector<unsigned char> bad = m_fi;
+    const auto e = std::find(bad.rbegin(), bad.rend(), 'e');
+    ASSERT_NE(bad.rend(), e);
+    *(e + 1) = 0xAF;
+    EXPECT_EQ(Failure<CQmException>("Failed to parse FastInfoset. Index out of range."), Read(bad));
+}
+
 // ------------------------------------------------------------ other forms of input
 
 const char* const kMarket =
@@ -317,6 +442,35 @@ TEST(StreamingInput, FilesEndAlikeWholeAndInChunks) {
             });
             EXPECT_EQ(expected, streamcompare::Run(*stream, ctx, [&] { stream->FromXmlFile(file.Path(), ctx); }));
             AsyncFromXmlFile(false);
+        }
+    }
+}
+
+// Compressed Fast Infoset is decoded from the inflated bytes, which the
+// document keeps while binding reads on; files likewise from their contents.
+TEST(StreamingInput, CompressedFastInfosetAndFilesEndAlike) {
+    const CXmlSerializationContext ctx;
+    const std::vector<unsigned char> fi = AsFastInfoset(kMarket, ctx);
+    ASSERT_FALSE(fi.empty());
+    const std::string whole(fi.begin(), fi.end());
+    for (const std::string& bytes : {whole, whole.substr(0, whole.size() / 2), whole.substr(0, whole.size() - 1)}) {
+        for (int windowBits : {15, 31}) {
+            ExpectSame(Make<Market>(), Deflate(bytes, windowBits), ctx);
+        }
+        const std::vector<unsigned char> gzip = Deflate(bytes, 31);
+        const TempFile plain(bytes), compressed(std::string(gzip.begin(), gzip.end()));
+        for (const TempFile* file : {&plain, &compressed}) {
+            CSmartPtr<CXmlObjectBase> tree = new Market(), stream = new Market();
+            const Outcome expected = streamcompare::Run(*tree, ctx, [&] {
+                CXmlDocument document(ctx);
+                document.Load(file->Path());
+                tree->FromXmlElement(document.GetDocumentElement(), ctx);
+            });
+            const Outcome actual = streamcompare::Run(*stream, ctx, [&] { stream->FromXmlFile(file->Path(), ctx); });
+            EXPECT_EQ(expected, actual);
+            if (bytes.size() == whole.size()) {
+                EXPECT_EQ("", actual.failure);
+            }
         }
     }
 }
