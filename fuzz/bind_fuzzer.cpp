@@ -29,9 +29,8 @@
 #include <string>
 #include <vector>
 
-#include "binding_classes.h"
+#include "bound_classes.h"
 #include "fuzz_support.h"
-#include "orders.h"
 
 using namespace QmXmlLib10;
 
@@ -40,29 +39,7 @@ using fuzz::Fail;
 
 namespace {
 
-using Factory = std::function<CSmartPtr<CXmlObjectBase>()>;
-
-const std::vector<Factory>& Classes() {
-    static const std::vector<Factory> classes = {
-        [] { return CSmartPtr<CXmlObjectBase>(new orders::COrders()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Person()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Shipping<false>()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Shipping<true>()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Zoo()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kAny>()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kOther>()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kLocal>()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kTarget>()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Wild<focus::kList>()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Bag()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Chart()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Window()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Market()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Reading()); },
-        [] { return CSmartPtr<CXmlObjectBase>(new focus::Memo()); },
-    };
-    return classes;
-}
+using fuzz::Factory;
 
 
 // What fn returns; a CQmException from it is a bug.
@@ -181,24 +158,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckValuesWrite(data, size);
     if (size < 2) return 0;
     const std::uint8_t mode = data[0];
-    const Factory& create = Classes()[(mode & 15) % Classes().size()];  // sixteen classes
-    CXmlSerializationContext ctx;
-    const int leniency = (mode >> 4) & 3;
-    if (leniency == 1) ctx.SetIgnoreUnknownElements(true);
-    if (leniency == 2) ctx.SetIgnoreMissingMandatoryElements(true);
-    if (leniency == 3) {
-        ctx.SetIgnoreMissingChoice(true);
-        ctx.SetIgnoreInvalidCollectionCounts(true);
-    }
-    if ((mode & 64) != 0) ctx.SetIgnoreUnknownAttributes(true);
-    // Classes are generated for one kind of schema: only Memo's has no namespaces.
-    const bool memo = (mode & 15) == 15;
-    if ((mode & 128) != 0) {
-        if (memo)
-            ctx.SetSchemaType(SchemaType_NoNamespaces);
-        else
-            ctx.SetIgnoreNamespaces(true);
-    }
+    const Factory& create = fuzz::ClassOf(mode);
+    const CXmlSerializationContext ctx = fuzz::ContextOf(mode);
+    const bool memo = fuzz::IsNoNamespaceClass(mode);
     const bool strict = (mode & 0x70) == 0 && (memo || (mode & 128) == 0);
 
     // The stream overload takes a mutable pointer.

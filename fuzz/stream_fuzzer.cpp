@@ -13,21 +13,15 @@
 #include <functional>
 #include <vector>
 
-#include "binding_classes.h"
+#include "bound_classes.h"
 #include "fuzz_support.h"
-#include "orders.h"
 #include "stream_compare.h"
 
 using namespace QmXmlLib10;
 
 namespace {
 
-using Factory = std::function<CSmartPtr<CXmlObjectBase>()>;
-
-template <class T>
-Factory Make() {
-    return [] { return CSmartPtr<CXmlObjectBase>(new T()); };
-}
+using fuzz::Factory;
 
 void Compare(const Factory& create, const std::vector<unsigned char>& input, const CXmlSerializationContext& ctx) {
     CSmartPtr<CXmlObjectBase> tree = create();
@@ -52,41 +46,14 @@ std::vector<unsigned char> AsFastInfoset(std::vector<unsigned char> input, const
     }
 }
 
-const std::vector<Factory>& Classes() {
-    static const std::vector<Factory> classes = {
-        Make<orders::COrders>(),         Make<focus::Person>(),
-        Make<focus::Shipping<false>>(),  Make<focus::Shipping<true>>(),
-        Make<focus::Zoo>(),              Make<focus::Wild<focus::kAny>>(),
-        Make<focus::Wild<focus::kOther>>(), Make<focus::Wild<focus::kLocal>>(),
-        Make<focus::Wild<focus::kTarget>>(), Make<focus::Wild<focus::kList>>(),
-        Make<focus::Bag>(),              Make<focus::Chart>(),
-        Make<focus::Window>(),           Make<focus::Market>(),
-        Make<focus::Reading>(),          Make<focus::Memo>(),
-    };
-    return classes;
-}
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
     const std::uint8_t mode = data[0];
-    const Factory& create = Classes()[mode & 15];
-    CXmlSerializationContext ctx;
-    const int leniency = (mode >> 4) & 3;
-    if (leniency == 1) ctx.SetIgnoreUnknownElements(true);
-    if (leniency == 2) ctx.SetIgnoreMissingMandatoryElements(true);
-    if (leniency == 3) {
-        ctx.SetIgnoreMissingChoice(true);
-        ctx.SetIgnoreInvalidCollectionCounts(true);
-    }
-    if ((mode & 64) != 0) ctx.SetIgnoreUnknownAttributes(true);
-    if ((mode & 128) != 0) {
-        if ((mode & 15) == 15)
-            ctx.SetSchemaType(SchemaType_NoNamespaces);
-        else
-            ctx.SetIgnoreNamespaces(true);
-    }
+    const Factory& create = fuzz::ClassOf(mode);
+    const CXmlSerializationContext ctx = fuzz::ContextOf(mode);
     const std::vector<unsigned char> input(data + 1, data + size);
     Compare(create, input, ctx);
 
