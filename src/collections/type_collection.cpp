@@ -1,6 +1,7 @@
 #include "qmxml/collections/type_collection.h"
 
 #include "qmxml/collections/primitive_collections.h"
+#include "qmxml/core/generated_class.h"
 #include "qmxml/core/serialization_context.h"
 #include "qmxml/dom/xml_element.h"
 #include "qmxml/types/conversions.h"
@@ -52,11 +53,13 @@ void CXmlTypeCollection::ToXml_Int(CXmlWriter* writer, bool, const char*, const 
     }
 }
 
-CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* current, const CXmlSerializationContext& ctx,
-                                             bool) {
+CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement* parent, CXmlElement* current,
+                                             const CXmlSerializationContext& ctx, bool) {
+    CXmlElement* const first = current;
     while (current && DoesElementNameMatch(ctx, current, GetItemElementName(), GetNamespace())) {
         AddFromString(current->GetText());
         current = current->GetNextSiblingElement();
+        CXmlObjectAccess::ReleaseReadItems(parent, first, current);
     }
     return current;
 }

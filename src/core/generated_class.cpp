@@ -100,6 +100,11 @@ int CXmlObjectAccess::ReadPseudoChildAttributes(CXmlObjectBase* object, const CX
     return generated ? generated->TakePseudoChildAttributes(ctx, pending, validate) : 0;
 }
 
+void CXmlObjectAccess::ReleaseReadItems(CXmlElement* parent, CXmlElement* first, const CXmlElement* upTo) noexcept {
+    if (parent != nullptr && first != nullptr && t_inlinedReaders == 0)
+        CXmlStreamSource::ReleaseBetween(parent, first, upTo);
+}
+
 bool CXmlGeneratedClass::HasSameClassAs(const CXmlGeneratedClass& other) const {
     return typeid(*this) == typeid(other);
 }

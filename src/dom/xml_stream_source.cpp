@@ -233,6 +233,19 @@ void CXmlStreamSource::ReleaseContent(CXmlElement* element) noexcept {
     CXmlTreeBuilder::DestroyChildren(element);
 }
 
+void CXmlStreamSource::ReleaseBetween(CXmlElement* parent, CXmlElement* first, const CXmlElement* upTo) noexcept {
+    if (CXmlDocumentLoading::GetStream(*parent->GetDocument()) == nullptr) return;
+    for (;;) {
+        CXmlElement* victim = CXmlTreeBuilder::PeekNextSibling(first);
+        if (victim == nullptr || victim == upTo || CXmlTreeBuilder::IsOpen(victim)) return;
+        // The parser keeps each open element's previous sibling, to unlink
+        // the element in constant time when it ends: that one stays.
+        const CXmlElement* after = CXmlTreeBuilder::PeekNextSibling(victim);
+        if (after != nullptr && CXmlTreeBuilder::IsOpen(after)) return;
+        CXmlTreeBuilder::DestroyNextSibling(parent, first);
+    }
+}
+
 // ------------------------------------------------- CXmlElement's slow paths
 
 void CXmlElement::WaitUntilClosed() const {

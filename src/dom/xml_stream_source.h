@@ -86,6 +86,12 @@ public:
     // Frees the children of an element whose object has been read, when
     // nothing can come back to them. Elements not yet ended are left alone.
     static void ReleaseContent(CXmlElement* element) noexcept;
+    // Frees the children of parent that lie between first and upTo (both
+    // excluded; up to the last one when upTo is null): items of a collection
+    // whose objects are read. first stays, because the readers up the stack
+    // compare against the element they started from, and a freed block could
+    // come back from the pool as a new element at the same address.
+    static void ReleaseBetween(CXmlElement* parent, CXmlElement* first, const CXmlElement* upTo) noexcept;
 
 protected:
     CXmlStreamSource() = default;

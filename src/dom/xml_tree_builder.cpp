@@ -118,6 +118,14 @@ void CXmlTreeBuilder::DestroyChildren(CXmlElement* element) noexcept {
     }
 }
 
+void CXmlTreeBuilder::DestroyNextSibling(CXmlElement* parent, CXmlElement* element) noexcept {
+    CXmlElement* victim = element->m_nextSibling;
+    element->m_nextSibling = victim->m_nextSibling;
+    if (parent->m_lastChild == victim) parent->m_lastChild = element;
+    victim->m_nextSibling = nullptr;
+    CXmlElement::Destroy(victim);
+}
+
 CXmlTreeBuilder::PoolStatistics CXmlTreeBuilder::GetPoolStatistics(const CXmlDocument& document) noexcept {
     const CXmlNodePool& pool = CXmlDocumentLoading::GetNodePool(document);
     return PoolStatistics{pool.GetLiveCount(), pool.GetReservedBytes(), pool.GetChunkCount()};

@@ -3,13 +3,28 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
+#include <new>
 #include <utility>
 
 #include "qmxml/core/exception.h"
 #include "qmxml/types/decimal.h"
 
 namespace QmXmlLib10 {
+
+void CDigitVector::Grow(size_type count) {
+    if (count > UINT32_MAX) throw std::bad_alloc();
+    size_type capacity = 2 * static_cast<size_type>(m_capacity);
+    if (capacity < count) capacity = count;
+    if (capacity > UINT32_MAX) capacity = UINT32_MAX;
+    auto* bigger = new signed char[capacity];
+    std::memcpy(bigger, data(), m_size);
+    if (!IsInline()) delete[] m_heap;
+    m_heap = bigger;
+    m_capacity = static_cast<std::uint32_t>(capacity);
+}
+
 
 namespace {
 

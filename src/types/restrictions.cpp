@@ -17,6 +17,7 @@
 
 #include "platform/charset.h"
 #include "types/pattern_matcher.h"
+#include "types/whitespace_rule.h"
 
 namespace QmXmlLib10 {
 
@@ -404,11 +405,13 @@ void CPrimitiveRestrictions::CheckRestriction(const std::string& memberName, con
         // A variant of another type takes the usual path and its errors.
         CheckFacets(memberName, value, type, facets);
     } else if (lengthsOrPattern) {
-        CheckLexical(memberName, CWhitespaceUtils::ApplyRule(rule, text), facets);
+        // The text as read usually obeys its rule already: checked in place, not copied.
+        std::string storage;
+        CheckLexical(memberName, whitespace::Ruled(text, rule, storage), facets);
     }
     if (facets.m_rule) {
-        const std::string normalized = CWhitespaceUtils::ApplyRule(rule, text);
-        facets.m_rule->Check(memberName, value, type, &normalized);
+        std::string storage;
+        facets.m_rule->Check(memberName, value, type, &whitespace::Ruled(text, rule, storage));
     }
 }
 

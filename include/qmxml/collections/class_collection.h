@@ -113,6 +113,7 @@ protected:
                              bool) override {
         const bool inlined = HasInlinedItems();
         const std::string name = this->GetElementName();
+        CXmlElement* const first = current;
         while (current) {
             // Items with an element of their own are told by its name, before
             // an object is made: an element that ends the collection costs none.
@@ -123,6 +124,7 @@ protected:
             this->AppendItem(item);
             if (next == current) break;  // an inlined item that took nothing
             current = next;
+            if (!inlined) CXmlObjectAccess::ReleaseReadItems(parent, first, current);
         }
         return current;
     }
@@ -167,6 +169,7 @@ protected:
 
     CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
                              bool) override {
+        CXmlElement* const first = current;
         while (current && m_factory) {
             CSmartPtr<CXmlObjectBase> created = m_factory(current);
             if (!created) break;
@@ -181,6 +184,7 @@ protected:
             this->AppendItem(item);
             if (next == current) break;
             current = next;
+            if (!inlined) CXmlObjectAccess::ReleaseReadItems(parent, first, current);
         }
         return current;
     }

@@ -51,6 +51,7 @@ protected:
     CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
                              bool) override {
         const std::string name = this->GetElementName();
+        CXmlElement* const first = current;
         while (current) {
             CSmartPtr<CXmlObjectBase> made;
             if (m_substitution >= 0) {
@@ -67,6 +68,7 @@ protected:
             this->AppendItem(item);
             if (next == current) break;  // an inlined item that took nothing
             current = next;
+            if (!m_inlined) CXmlObjectAccess::ReleaseReadItems(parent, first, current);
         }
         return current;
     }

@@ -52,6 +52,11 @@ public:
     static int ReadPseudoChildAttributes(CXmlObjectBase* object, const CXmlSerializationContext& ctx,
                                          std::vector<CXmlAttribute*>& pending, bool validate);
     static void SetElementName(CXmlObjectBase* object, const char* name) { object->SetElementName(name); }
+    // For collections read while the document is parsed: the item elements
+    // after `first` and before `upTo`, all read, are freed (none when nothing
+    // can come back to them, or the tree is not being parsed), so that memory
+    // follows the depth of the document, not the number of items.
+    static void ReleaseReadItems(CXmlElement* parent, CXmlElement* first, const CXmlElement* upTo) noexcept;
     static const std::string& GetRecordedElementName(const CXmlObjectBase* object) {
         return object->GetRecordedElementName();
     }

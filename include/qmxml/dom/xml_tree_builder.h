@@ -83,6 +83,9 @@ public:
     static CXmlElement* PeekNextSibling(const CXmlElement* element) noexcept;
     // Destroys every child of element (and their subtrees).
     static void DestroyChildren(CXmlElement* element) noexcept;
+    // Unlinks and destroys the sibling that follows element, a child of
+    // parent (there must be one), with its subtree.
+    static void DestroyNextSibling(CXmlElement* parent, CXmlElement* element) noexcept;
 
     // What the document's node pool holds: blocks in use (elements, attributes
     // and attribute vectors each count one) and the memory reserved for them.

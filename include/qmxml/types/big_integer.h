@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include <qmxml/types/digit_vector.h>
+
 namespace QmXmlLib10 {
 
 class CDecimal;
@@ -22,7 +24,7 @@ class CDecimal;
 // Every error is a CQmInvalidValueException.
 class CBigInteger {
 public:
-    using Digits = std::vector<signed char>;
+    using Digits = CDigitVector;
 
     CBigInteger() = default;
     // Native integers; int, long and long long are distinct types here, so all
