@@ -1,4 +1,4 @@
-// Binding an order book to the generated classes (examples/orders), against
+// Binding an order book to the hand-written order classes (tests/support/handwritten_orders), against
 // the floors it is built on:
 //  - read: Expat alone (namespace processing, no-op callbacks, whole buffer)
 //    against FromXmlStream into COrders (goal: at least 0.5x Expat's MB/s),

@@ -1,5 +1,5 @@
 // Classes built at run time from bench/orders.xsd against the hand-written
-// classes of examples/orders, on the same order book in the same run: reading
+// classes of tests/support/handwritten_orders, on the same order book in the same run: reading
 // (from text already in memory) and writing it back, by turns, best of RUNS.
 // Then what building the classes costs: orders.xsd, and a generated schema of
 // 2000 complex and 1000 simple types.

@@ -1,6 +1,6 @@
 // The order book bound by the classes `qmxml generate` wrote from
 // bench/orders.xsd at build time, against the hand-written classes of
-// examples/orders and the dynamic classes of the same schema, in the same
+// tests/support/handwritten_orders and the dynamic classes of the same schema, in the same
 // run: reading (from text already in memory) and writing it back, by turns,
 // best of RUNS. The three must write the same text.
 //

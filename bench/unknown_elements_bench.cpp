@@ -1,6 +1,6 @@
 // Reading under IgnoreUnknownElements must cost time linear in the number of
 // child elements, however many of them are unknown and wherever they stand.
-// Each case reads an order book (examples/orders) with N unknown elements put
+// Each case reads an order book (the hand-written classes, tests/support/handwritten_orders) with N unknown elements put
 // in one place, for N = 10,000, 100,000 and 1,000,000, and prints the read's
 // time per unknown element and its ratio to the time at 10,000: flat ratios
 // (about 1) mean linear time; quadratic time would multiply the ratio by 10

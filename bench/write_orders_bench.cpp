@@ -1,4 +1,4 @@
-// Writing the bound order classes (examples/orders): COrders::ToXml of a book
+// Writing the bound order classes (tests/support/handwritten_orders): COrders::ToXml of a book
 // read once, timed, with the heap blocks each written order costs, counted by
 // the replaced global operator new below (everything the write allocates,
 // divided by the number of orders).

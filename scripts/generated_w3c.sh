@@ -6,9 +6,12 @@
 # message chain and written document. Prints one line per disagreeing
 # instance or refused group, then the totals.
 #
-#   scripts/generated_w3c.sh [SUITE_DIR] [STEP]
+#   scripts/generated_w3c.sh [SUITE_DIR] [STEP | GROUP_FILE]
 #
 # SUITE_DIR defaults to ../shared/w3c-xsdtests beside the project, STEP to 10;
+# a GROUP_FILE names the groups to run instead, one per line. With
+# SAMPLE_OUT=FILE, each group whose instances all agree is appended to FILE
+# as a line of the CTest sample (tests/codegen/w3c/sample_groups.txt);
 # the build directory is build/ (BUILD_DIR overrides it), the scratch
 # directory WORK_DIR (default: a temporary one, removed at the end).
 set -euo pipefail
@@ -20,6 +23,7 @@ if [ ! -d "$suite/msMeta" ]; then
   echo "no W3C suite at $suite" >&2
   exit 2
 fi
+suite=$(cd "$suite" && pwd)
 cmake --build "$build" --target qmxml_tool qmxml_schema -j 2 >/dev/null
 work=${WORK_DIR:-$(mktemp -d /tmp/qmxml_generated_w3c.XXXXXX)}
 [ -n "${WORK_DIR:-}" ] || trap 'rm -rf "$work"' EXIT
@@ -28,32 +32,13 @@ cxx=${CXX:-c++}
 flags=(-std=c++17 -O0 -w -I"$root/include" -L"$build/src" -Wl,-rpath,"$build/src")
 "$cxx" "${flags[@]}" "$root/tests/codegen/w3c/dynamic_driver.cpp" -lqmxml_schema -lqmxml -o "$work/dynamic"
 
-# The groups: schema documents expected valid, with their instance tests.
-python3 - "$suite" "$step" > "$work/groups.txt" <<'PY'
-import os, sys, xml.etree.ElementTree as ET
-suite, step = sys.argv[1], int(sys.argv[2])
-ns = {'t': 'http://www.w3.org/XML/2004/xml-schema-test-suite/', 'x': 'http://www.w3.org/1999/xlink'}
-href = '{http://www.w3.org/1999/xlink}href'
-sets = sorted(os.path.join(suite, 'msMeta', f) for f in os.listdir(os.path.join(suite, 'msMeta')) if f.endswith('_w3c.xml'))
-sets.append(os.path.join(suite, 'boeingMeta', 'BoeingXSDTestSet.testSet'))
-index = 0
-for path in sets:
-    base = os.path.dirname(path)
-    for group in ET.parse(path).getroot().findall('t:testGroup', ns):
-        schema = group.find('t:schemaTest', ns)
-        instances = group.findall('t:instanceTest', ns)
-        if schema is None or not instances:
-            continue
-        if schema.find('t:expected', ns).get('validity') != 'valid':
-            continue
-        index += 1
-        if index % step:
-            continue
-        documents = [os.path.normpath(os.path.join(base, d.get(href))) for d in schema.findall('t:schemaDocument', ns)]
-        files = [os.path.normpath(os.path.join(base, i.find('t:instanceDocument', ns).get(href))) for i in instances]
-        print('\t'.join([group.get('name'), documents[0]] + files))
-PY
-
+# The groups: schema documents expected valid, with their instance tests;
+# every STEP-th one, or those a file names (one group name per line).
+if [ -f "$step" ]; then
+  python3 "$root/scripts/w3c_groups.py" "$suite" | awk -F'\t' 'NR==FNR{if ($1 !~ /^#/ && $1 != "") want[$1]=1; next} ($1 in want)' "$step" - > "$work/groups.txt"
+else
+  python3 "$root/scripts/w3c_groups.py" "$suite" "$step" > "$work/groups.txt"
+fi
 groups=0; refused=0; unloaded=0; failed_build=0; instances=0; agree=0; disagree=0
 while IFS=$'\t' read -r name schema files; do
   groups=$((groups + 1))
@@ -78,6 +63,7 @@ while IFS=$'\t' read -r name schema files; do
     continue
   fi
   "$dir/generated" "${docs[@]}" > "$dir/generated.txt" 2>&1 || true
+  group_agrees=1
   for doc in "${docs[@]}"; do
     instances=$((instances + 1))
     a=$(awk -v d="== $doc" '$0==d{p=1;next} /^== /{p=0} p' "$dir/dynamic.txt")
@@ -86,11 +72,19 @@ while IFS=$'\t' read -r name schema files; do
       agree=$((agree + 1))
     else
       disagree=$((disagree + 1))
+      group_agrees=0
       echo "disagree $name $(basename "$doc"): dynamic $(echo "$a" | head -1), generated $(echo "$b" | head -1)"
     fi
   done
+  if [ -n "${SAMPLE_OUT:-}" ] && [ "$group_agrees" -eq 1 ]; then
+    # name, schema, set header, set namespace, generated files, instances;
+    # paths relative to the suite.
+    printf '%s\t%s\t%s\t%s\t%s\t%s\n' "$name" "${schema#"$suite"/}" "$header" "$namespace" \
+      "$(ls "$dir/gen" | tr '\n' ' ' | sed 's/ $//')" "$(printf '%s\n' "${docs[@]}" | sed "s|^$suite/||" | tr '\n' ' ' | sed 's/ $//')" \
+      >> "$SAMPLE_OUT"
+  fi
 done < "$work/groups.txt"
 
-echo "groups: $groups (every ${step}th with instance tests), schema not loaded: $unloaded, refused by the generator: $refused, generated code not compiling: $failed_build"
+echo "groups: $groups ($( [ -f "$step" ] && echo "named in $step" || echo "every ${step}th with instance tests")), schema not loaded: $unloaded, refused by the generator: $refused, generated code not compiling: $failed_build"
 echo "instances compared: $instances, same verdict, messages and output: $agree, different: $disagree"
 [ "$failed_build" -eq 0 ] && [ "$disagree" -eq 0 ]

@@ -1,34 +1,24 @@
-// A GPX file through classes built from its schema at run time: read a track,
-// print its length and duration, add a waypoint and write the file back.
+// A GPX file through classes the schema compiler writes at build time from
+// the example's GPX 1.1 subset (gpx11_subset.xsd): read a track, print its
+// length and duration, add a waypoint and write the file back.
 //
-// usage: qmxml_gpx_track [GPX [SCHEMA [OUT]]]
+// usage: qmxml_gpx_track [GPX [OUT]]
 //   GPX     the track (default: examples/gpx/data/lake_walk.gpx)
-//   SCHEMA  the GPX 1.1 schema, the full one or the example's subset
-//           (default: examples/gpx/gpx11_subset.xsd)
 //   OUT     where the copy with the new waypoint goes (default: lake_walk_out.gpx)
-//
-// The logic sits in plain functions that reach members by name (GetValue,
-// SetValue), the way generated classes name their accessors, so that moving
-// to generated classes changes the access, not the logic.
 #include <qmxml/qmxml.h>
-#include <qmxml/schema/dynamic_classes.h>
-#include <qmxml/schema/schema_set.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <exception>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "gpx11_subset.h"  // generated; the GPX namespace is mapped to the C++ namespace gpx
+
 using namespace QmXmlLib10;
-using namespace QmXmlLib10::Schema;
 
 namespace {
-
-using ObjectCollection = CXmlTypedClassCollection<CDynamicObject>;
 
 struct TrackPoint {
     double lat = 0;
@@ -42,36 +32,23 @@ struct TrackPoint {
 // is not walked.
 using Segments = std::vector<std::vector<TrackPoint>>;
 
-// The items of a repeating class member (empty when the member is unset).
-std::vector<CSmartPtr<CDynamicObject>> Items(const CDynamicObject& owner, const char* member) {
-    std::vector<CSmartPtr<CDynamicObject>> items;
-    const QmVariant value = owner.GetValue(member);
-    if (!value.IsValid()) return items;
-    const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
-    const auto* objects = dynamic_cast<const ObjectCollection*>(collection.Get());
-    if (objects == nullptr) throw CQmException("The member [" + std::string(member) + "] holds no objects");
-    for (int i = 0; i < objects->GetCount(); ++i) items.push_back(objects->GetItem(i));
-    return items;
-}
-
-TrackPoint PointOf(const CDynamicObject& point) {
+TrackPoint PointOf(const gpx::CwptType& point) {
     TrackPoint p;
-    p.lat = point.GetValue("lat").GetDecimal().ToDouble();
-    p.lon = point.GetValue("lon").GetDecimal().ToDouble();
-    const QmVariant time = point.GetValue("time");
-    if (time.IsValid() && !time.IsNil()) {
+    p.lat = point.GetLat().ToDouble();
+    p.lon = point.GetLon().ToDouble();
+    if (point.IsValidTime()) {
         p.hasTime = true;
-        p.time = time.GetDateTime().GetTime();
+        p.time = point.GetTime().GetTime();
     }
     return p;
 }
 
-Segments ReadSegments(const CDynamicObject& gpx) {
+Segments ReadSegments(const gpx::CgpxType& file) {
     Segments segments;
-    for (const auto& track : Items(gpx, "trk"))
-        for (const auto& segment : Items(*track, "trkseg")) {
+    for (const gpx::CtrkType* track : *file.GetTrk())
+        for (const gpx::CtrksegType* segment : *track->GetTrkseg()) {
             segments.emplace_back();
-            for (const auto& point : Items(*segment, "trkpt")) segments.back().push_back(PointOf(*point));
+            for (const gpx::CwptType* point : *segment->GetTrkpt()) segments.back().push_back(PointOf(*point));
         }
     return segments;
 }
@@ -117,67 +94,71 @@ std::string Clock(std::int64_t seconds) {
     return text;
 }
 
-// A new waypoint of the class the gpx element's "wpt" member takes, set
-// through the same checks reading applies (a latitude out of range throws).
-void AddWaypoint(const CDynamicClassSet& classes, CDynamicObject& gpx, const std::string& lat, const std::string& lon,
-                 const std::string& name) {
-    const int member = gpx.FindProperty("wpt");
-    if (member < 0) throw CQmException("The gpx class has no member [wpt]");
-    const CClassDescription& waypointClass =
-        *classes.GetClasses()[gpx.GetDescription().properties[member].classIndex];
-    CSmartPtr<CDynamicObject> waypoint = classes.CreateObject(waypointClass);
-    QmVariant value;
-    value.SetDecimal(CDecimal(lat.c_str()));
-    waypoint->SetValue("lat", value);
-    value.SetDecimal(CDecimal(lon.c_str()));
-    waypoint->SetValue("lon", value);
-    value.SetString(name);
-    waypoint->SetValue("name", value);
-
-    QmVariant collection = gpx.GetValue("wpt");
-    auto* waypoints = dynamic_cast<ObjectCollection*>(collection.GetXmlCollection().Get());
-    if (waypoints == nullptr) throw CQmException("The member [wpt] holds no objects");
-    waypoints->Add(waypoint.Get());
+// The setters apply the checks reading applies: a latitude out of range throws.
+void AddWaypoint(gpx::CgpxType& file, const std::string& lat, const std::string& lon, const std::string& name) {
+    CSmartPtr<gpx::CwptType> waypoint(new gpx::CwptType);
+    waypoint->SetLat(CDecimal(lat.c_str()));
+    waypoint->SetLon(CDecimal(lon.c_str()));
+    waypoint->SetName(name);
+    file.GetWpt()->Add(waypoint.Get());
 }
 
-std::string TrackName(const CDynamicObject& gpx) {
-    for (const auto& track : Items(gpx, "trk")) {
-        const QmVariant name = track->GetValue("name");
-        if (name.IsValid() && !name.IsNil()) return name.GetString();
-    }
+std::string TrackName(const gpx::CgpxType& file) {
+    for (const gpx::CtrkType* track : *file.GetTrk())
+        if (track->IsValidName()) return track->GetName();
     return "(unnamed)";
+}
+
+// The set's ReadFile picks the class from the root element; a document of
+// another root than gpx is refused here.
+CSmartPtr<gpx::CgpxType> ReadGpx(const std::string& path) {
+    CSmartPtr<CXmlGeneratedClass> root = gpx::ReadFile(path);
+    auto* file = dynamic_cast<gpx::CgpxType*>(root.Get());
+    if (file == nullptr) throw CQmException("The document [" + path + "] is not a GPX file");
+    return CSmartPtr<gpx::CgpxType>(file);
+}
+
+int Run(const std::string& gpxPath, const std::string& outPath) {
+    CSmartPtr<gpx::CgpxType> file = ReadGpx(gpxPath);
+
+    const Segments segments = ReadSegments(*file);
+    std::size_t points = 0;
+    for (const auto& segment : segments) points += segment.size();
+    const std::int64_t duration = DurationSeconds(segments);
+    std::printf("track:     %s\n", TrackName(*file).c_str());
+    std::printf("points:    %zu in %zu segment(s)\n", points, segments.size());
+    std::printf("length:    %.3f km\n", LengthKm(segments));
+    std::printf("duration:  %s\n", duration < 0 ? "(no times)" : Clock(duration).c_str());
+
+    AddWaypoint(*file, "47.3500", "8.5600", "Boat landing");
+    file->ToXmlFile(outPath.c_str());
+
+    // What was written reads back through the same classes.
+    CSmartPtr<gpx::CgpxType> again = ReadGpx(outPath);
+    const auto* waypoints = again->GetWpt();
+    const int count = waypoints->GetCount();
+    std::printf("written:   %s, %d waypoint(s), last [%s]\n", outPath.c_str(), count,
+                count == 0 || !waypoints->GetItem(count - 1)->IsValidName()
+                    ? ""
+                    : waypoints->GetItem(count - 1)->GetName().c_str());
+    return 0;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc > 3) {
+        std::fprintf(stderr, "usage: qmxml_gpx_track [GPX [OUT]]\n");
+        return 2;
+    }
     const std::string gpxPath = argc > 1 ? argv[1] : QMXML_GPX_EXAMPLE_DIR "/data/lake_walk.gpx";
-    const std::string schemaPath = argc > 2 ? argv[2] : QMXML_GPX_EXAMPLE_DIR "/gpx11_subset.xsd";
-    const std::string outPath = argc > 3 ? argv[3] : "lake_walk_out.gpx";
+    const std::string outPath = argc > 2 ? argv[2] : "lake_walk_out.gpx";
+    int rc = 1;
     try {
-        const auto classes = CDynamicClassSet::Create(CSchemaSet::LoadFile(schemaPath));
-        CSmartPtr<CDynamicObject> gpx = classes->ReadFile(gpxPath);
-
-        const Segments segments = ReadSegments(*gpx);
-        std::size_t points = 0;
-        for (const auto& segment : segments) points += segment.size();
-        const std::int64_t duration = DurationSeconds(segments);
-        std::printf("track:     %s\n", TrackName(*gpx).c_str());
-        std::printf("points:    %zu in %zu segment(s)\n", points, segments.size());
-        std::printf("length:    %.3f km\n", LengthKm(segments));
-        std::printf("duration:  %s\n", duration < 0 ? "(no times)" : Clock(duration).c_str());
-
-        AddWaypoint(*classes, *gpx, "47.3500", "8.5600", "Boat landing");
-        gpx->ToXmlFile(outPath.c_str());
-
-        // What was written reads back through the same classes.
-        CSmartPtr<CDynamicObject> again = classes->ReadFile(outPath);
-        const auto waypoints = Items(*again, "wpt");
-        std::printf("written:   %s, %zu waypoint(s), last [%s]\n", outPath.c_str(), waypoints.size(),
-                    waypoints.empty() ? "" : waypoints.back()->GetValue("name").GetString().c_str());
-        return 0;
+        rc = Run(gpxPath, outPath);
     } catch (const CQmException& e) {
         std::fprintf(stderr, "%s\n", e.GetFullMessage().c_str());
-        return 1;
     }
+    gpx::CleanMetaData();
+    return rc;
 }

@@ -1,5 +1,5 @@
 // The order book bound through classes built at run time from bench/orders.xsd
-// against the hand-written classes of examples/orders: same documents read,
+// against the hand-written classes of tests/support/handwritten_orders: same documents read,
 // same text written, same failures.
 #include <gtest/gtest.h>
 #include <stdlib.h>

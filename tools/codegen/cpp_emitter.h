@@ -1,6 +1,6 @@
 // The C++ back end of the schema compiler: writes the class descriptions the
 // schema layer maps a schema set to (the ones the dynamic classes run on) as
-// C++ source, following the contract examples/orders shows. The schema model
+// C++ source, following the contract the hand-written order classes (tests/support/handwritten_orders) show. The schema model
 // knows nothing of C++; everything about names, files and code lives here.
 #pragma once
 

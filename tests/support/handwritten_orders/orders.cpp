@@ -1,3 +1,5 @@
+// The hand-written order classes (see orders.h): the reference the generated
+// classes are compared with.
 #include "orders.h"
 
 namespace orders {

@@ -1,6 +1,10 @@
-// Bound classes for the order-book schema (bench/orders.xsd, target namespace
-// urn:example:orders), in the form the code generator emits: typed members,
-// one property-access switch per class, static metadata and a class factory.
+// Hand-written bound classes for the order-book schema (bench/orders.xsd,
+// target namespace urn:example:orders), in the form the code generator emits:
+// typed members, one property-access switch per class, static metadata and a
+// class factory. They came before the generator and stay as its reference:
+// tests, benchmarks and fuzzers hold the generated and the dynamic classes
+// against them. Programs use the classes `qmxml generate` writes at build
+// time (examples/orders).
 #pragma once
 
 #include <qmxml/qmxml.h>
