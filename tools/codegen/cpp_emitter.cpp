@@ -997,7 +997,9 @@ private:
 
     std::string SetHeader() const {
         std::ostringstream o;
-        o << Banner() << "#pragma once\n\n";
+        // The runtime comes first: a set of notations or simple types alone has
+        // no class header to bring it.
+        o << Banner() << "#pragma once\n\n#include <qmxml/qmxml.h>\n\n#include <cstddef>\n#include <string>\n\n";
         for (const auto& ns : m_namespaceOrder) o << "#include \"" << FileOf(ns) << ".h\"\n";
         o << "\n" << NamespaceOpen(m_setNamespace) << "\n";
         o << "// The class factory the metadata calls: the class of an index, null outside them.\n"

@@ -381,8 +381,10 @@ void AccessMember(bool read, QmVariant& v, CSmartPtr<T>& field) {
 }
 
 template <class... Members>
-void AccessMembers(const char* className, int propertyIndex, bool read, QmVariant& v, Members&&... members) {
-    int index = 0;
+void AccessMembers(const char* className, int propertyIndex, [[maybe_unused]] bool read,
+                   [[maybe_unused]] QmVariant& v, Members&&... members) {
+    // A class without members uses neither read nor v (the fold is empty).
+    [[maybe_unused]] int index = 0;
     // Short-circuits at the member found: no more than one access per call.
     const bool found = ((index++ == propertyIndex ? (AccessMember(read, v, members), true) : false) || ...);
     if (!found) ThrowUnknownProperty(className, propertyIndex);

@@ -35,7 +35,7 @@ if(EXISTS ${w3c_suite}/msMeta)
     # A class without members instantiates Generated::AccessMembers with an
     # empty pack, which leaves its `read` parameter unused: a runtime header's
     # warning, not the generator's, so it is kept out of the sample's output.
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wno-unused-but-set-parameter -O0 -g0)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -O0 -g0)
     target_link_libraries(${target} PRIVATE qmxml::qmxml)
     set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${w3c_sample_dir}/bin OUTPUT_NAME ${name})
     list(APPEND w3c_sample_programs ${target})
