@@ -238,7 +238,19 @@ void CXmlGeneratedClass::WriteSimpleContent(CXmlWriter* writer) const {
     writer->WriteText(text.data(), info->GetPrimitiveDataType());
 }
 
+void CXmlGeneratedClass::SetValuePrefixes(std::vector<std::pair<std::string, std::string>> prefixes) {
+    if (prefixes.empty()) {
+        m_valuePrefixes.reset();
+    } else {
+        m_valuePrefixes = std::make_shared<const std::vector<std::pair<std::string, std::string>>>(std::move(prefixes));
+    }
+}
+
 void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const {
+    if (m_valuePrefixes) {
+        for (const auto& declaration : *m_valuePrefixes)
+            writer->DeclarePrefix(declaration.first.c_str(), declaration.second.c_str());
+    }
     ProcessAttributesToXml(ctx, GetClassElementInfo(), GetClassAttributeInfo(), writer);
 }
 

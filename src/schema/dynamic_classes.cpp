@@ -32,8 +32,22 @@ using QmXmlLib10Data::CAttributeInfo;
 using QmXmlLib10Data::CElementInfo;
 using QmXmlLib10Data::CParentElementInfo;
 
-struct CDynamicClassSet::Index {
+// The set's global declarations as the wildcard check asks for them.
+struct CDynamicClassSet::Index final : Generated::IGlobalDeclarations {
     CMappedSet mapped;
+    const CDynamicClassSet* set = nullptr;
+    std::map<std::pair<std::string, std::string>, Generated::CGlobalAttribute> attributes;
+
+    bool DeclaresElement(const std::string& ns, const std::string& localName) const override {
+        return set->m_schemas->FindElement(CQName{ns, localName}) != nullptr;
+    }
+    const Generated::CGlobalAttribute* FindAttribute(const std::string& ns, const std::string& localName) const override {
+        const auto found = attributes.find({ns, localName});
+        return found == attributes.end() ? nullptr : &found->second;
+    }
+    void ReadDocument(const std::string& text, const CXmlSerializationContext& ctx) const override {
+        set->ReadBuffer(text.data(), text.size(), ctx);
+    }
 };
 
 namespace {
@@ -44,30 +58,6 @@ constexpr const char* kXsiNamespace = "http://www.w3.org/2001/XMLSchema-instance
 // by the class set, so their metadata is the set's, and typed as dynamic
 // objects for the programs that walk them.
 using CDynamicClassCol = CXmlFactoryClassCollectionOf<CDynamicObject>;
-
-// The repeating elements of one name whose type is xs:anyType: kept whole,
-// like wildcard elements, but only while the name is theirs.
-class CNamedElementCol final : public CElementCol {
-public:
-    CNamedElementCol(const char* name, const char* ns, std::int32_t minOccurs, std::int32_t maxOccurs)
-        : CElementCol(name, "##any", "", minOccurs, maxOccurs), m_namespace(ns ? ns : "") {}
-
-protected:
-    CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* current, const CXmlSerializationContext& ctx,
-                             bool) override {
-        const std::string name = GetElementName();
-        while (current && DoesElementNameMatch(ctx, current, name, m_namespace)) {
-            CSmartPtr<CElement> element = new CElement();
-            element->ReadFrom(current);
-            AppendItem(element);
-            current = current->GetNextSiblingElement();
-        }
-        return current;
-    }
-
-private:
-    std::string m_namespace;
-};
 
 template <class Col>
 CXmlCollectionBase* MakeValueCollection(const char* name, const char* ns, std::int32_t minOccurs,
@@ -233,7 +223,7 @@ void CDynamicObject::Init() {
                                                            extra.restrictionNamespace.c_str(), minOccurs,
                                                            maxOccurs));
                 } else if (property.classIndex < 0 && property.simpleType == nullptr) {
-                    value.SetXmlCollection(new CNamedElementCol(name, ns, minOccurs, maxOccurs));
+                    value.SetXmlCollection(new Generated::CNamedElementCol(name, ns, minOccurs, maxOccurs));
                 } else if (property.classIndex >= 0) {
                     const bool inlined = extra.itemElementType != XmlElementType_Element;
                     const char* itemName = inlined ? property.name.c_str() : name;
@@ -270,11 +260,8 @@ void CDynamicObject::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elem
     WriteObject(writer, isRoot, elementName, ctx, asChoiceMember, typeName.empty() ? nullptr : typeName.c_str());
 }
 
-void CDynamicObject::AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const {
-    for (const auto& declaration : m_valuePrefixes) {
-        writer->DeclarePrefix(declaration.first.c_str(), declaration.second.c_str());
-    }
-    CXmlGeneratedClass::AttributesToXml_Int(writer, ctx);
+const Generated::CMemberChecks* CDynamicObject::GetMemberChecks() const {
+    return &m_set->m_index->mapped.runtime[m_description->index].table;
 }
 
 std::string CDynamicObject::GetTargetNamespace() const {
@@ -296,15 +283,8 @@ CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* parent, CXmlElement* curre
          type->contentType == CComplexType::ContentType::Empty)) {
         Generated::CheckNoTextContent(parent);
     }
-    if (m_description->hasCheckedWildcards && parent != nullptr) {
-        try {
-            m_set->CheckWildcardContent(*this, ctx);
-        } catch (const CQmException& e) {
-            // Inlined classes report through their parent element's context.
-            if (!ownElement) throw;
-            throw CQmValidationException(
-                FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), e);
-        }
+    if (m_description->hasCheckedWildcards) {
+        Generated::CheckWildcardContent(*this, *m_set->m_index, parent, ownElement, ctx);
     }
     if (m_set->m_index->mapped.runtime[m_description->index].mandatoryInlineChoice) {
         std::string selected;
@@ -331,6 +311,12 @@ std::shared_ptr<const CDynamicClassSet> CDynamicClassSet::Create(std::shared_ptr
     set->m_schemas = std::move(schemas);
     set->m_index = std::make_unique<Index>();
     MapSchemaSet(*set->m_schemas, set.get(), set->m_index->mapped);
+    set->m_index->set = set.get();
+    for (const auto& attribute : set->m_index->mapped.globalAttributes) {
+        const CPropertyRuntime& runtime = attribute.second;
+        set->m_index->attributes[attribute.first] =
+            Generated::CGlobalAttribute{runtime.itemType, runtime.rule, &runtime.facets};
+    }
     set->m_classes.swap(set->m_index->mapped.classes);
     return set;
 }
@@ -362,30 +348,6 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::CreateRootObject(const std::string& 
     return object;
 }
 
-namespace {
-
-bool IsQNameSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
-// Marks the declared prefixes that begin a whitespace-separated token of text
-// ("p:local"); returns how many are marked so far.
-std::size_t MarkPrefixes(const std::string& text, const std::map<std::string, std::string>& declared,
-                         std::vector<bool>& used, std::size_t count) {
-    for (std::size_t colon = text.find(':'); colon != std::string::npos; colon = text.find(':', colon + 1)) {
-        std::size_t begin = colon;
-        while (begin > 0 && !IsQNameSpace(text[begin - 1])) --begin;
-        if (begin == colon) continue;
-        const auto found = declared.find(text.substr(begin, colon - begin));
-        if (found == declared.end()) continue;
-        const auto index = static_cast<std::size_t>(std::distance(declared.begin(), found));
-        if (!used[index]) {
-            used[index] = true;
-            ++count;
-        }
-    }
-    return count;
-}
-
-}  // namespace
 
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
                                                      const CXmlSerializationContext& ctx) const {
@@ -428,236 +390,8 @@ CSmartPtr<CDynamicObject> CDynamicClassSet::ReadRoot(CXmlDocument& document,
     object->m_rootNamespace = root->GetNamespaceURI();
     object->m_isRoot = true;
     object->FromXmlElement(root, ctx);
-    object->m_valuePrefixes = ValuePrefixes(document.GetDeclaredNamespaces(), *object);
-    if (m_index->mapped.usesIds) CheckIdentifiers(*object, document);
+    Generated::FinishRoot(*object, document, m_index->mapped.usesIds);
     return object;
-}
-
-void CDynamicClassSet::CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const {
-    const auto& properties = object.m_description->properties;
-    for (size_t i = 0; i < properties.size(); ++i) {
-        const CPropertyDescription& property = properties[i];
-        if (property.wildcard == nullptr || property.wildcard->processContents == CWildcard::ProcessContents::Skip)
-            continue;
-        const bool strict = property.wildcard->processContents == CWildcard::ProcessContents::Strict;
-        const QmVariant& value = object.m_values[i];
-        if (!value.IsValid() || value.IsNil()) continue;
-        if (property.kind == CPropertyDescription::Kind::Attributes) {
-            const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
-            const auto* attributes = dynamic_cast<const CAttributeCol*>(collection.Get());
-            if (attributes == nullptr) continue;
-            for (const CAttribute* attribute : *attributes) {
-                const auto found =
-                    m_index->mapped.globalAttributes.find({attribute->GetNamespaceURI(), attribute->GetLocalName()});
-                if (found == m_index->mapped.globalAttributes.end()) {
-                    if (!strict) continue;
-                    throw CQmValidationException(
-                        FormatString("No global attribute declaration for the attribute [%s] of a strict wildcard",
-                                     attribute->GetLocalName().c_str()));
-                }
-                const CPropertyRuntime& runtime = found->second;
-                QmVariant converted;
-                converted.FromString(attribute->GetValue(), runtime.itemType, runtime.rule);
-                CPrimitiveRestrictions::CheckRestriction(attribute->GetLocalName(), converted, runtime.itemType,
-                                                         runtime.facets, attribute->GetValue(), runtime.rule);
-            }
-            continue;
-        }
-        std::vector<const CElement*> elements;
-        if (property.kind == CPropertyDescription::Kind::Element) {
-            const CSmartPtr<CXmlObjectBase> held = value.GetXmlObject();
-            if (const auto* element = dynamic_cast<const CElement*>(held.Get())) elements.push_back(element);
-        } else {
-            const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
-            if (const auto* all = dynamic_cast<const CElementCol*>(collection.Get())) {
-                for (const CElement* element : *all) elements.push_back(element);
-            }
-        }
-        for (const CElement* element : elements) {
-            const CQName name{element->GetNamespaceURI(), element->GetLocalName()};
-            if (m_schemas->FindElement(name) == nullptr) {
-                // An element with xsi:type is assessed by its type, declared or not.
-                bool typed = false;
-                if (const CAttributeCol* attributes = element->FindAttributes()) {
-                    for (const CAttribute* attribute : *attributes) {
-                        typed = typed || (attribute->GetLocalName() == "type" &&
-                                          attribute->GetNamespaceURI() == kXsiNamespace);
-                    }
-                }
-                if (!strict || typed) continue;
-                throw CQmValidationException(
-                    FormatString("No global element declaration for the element [%s] of a strict wildcard",
-                                 element->GetLocalName().c_str()));
-            }
-            // Read as a document of its own, so that its declaration (and
-            // xsi:type) decide its class.
-            const std::string text = element->ToXml(false, false, EOLType_LF, ctx);
-            ReadBuffer(text.data(), text.size(), ctx);
-        }
-    }
-}
-
-namespace {
-
-// A bound QName keeps its text, so its prefix is resolved here or never. The
-// tree keeps the declarations document-wide, not per element: a prefix
-// declared elsewhere in the document passes.
-void CheckQNamePrefix(const std::string& text, const std::string& member, const CXmlDocument& document) {
-    const std::size_t colon = text.find(':');
-    if (colon == std::string::npos || text.compare(0, colon, "xml") == 0) return;
-    if (!document.LookupNamespaceFromAlias(text.substr(0, colon).c_str()).empty()) return;
-    throw CQmValidationException(
-        FormatString("The prefix of the QName [%s] of [%s] is not declared", text.c_str(), member.c_str()));
-}
-
-}  // namespace
-
-void CDynamicClassSet::CheckIdentifiers(const CDynamicObject& root, const CXmlDocument& document) const {
-    std::unordered_set<std::string> ids;
-    std::vector<std::string> references;
-    // The bound objects are walked with a stack of their own: documents nest
-    // deeper than a thread's stack would allow recursion to.
-    std::vector<const CDynamicObject*> pending{&root};
-    while (!pending.empty()) {
-        const CDynamicObject* object = pending.back();
-        pending.pop_back();
-        const auto& properties = object->m_description->properties;
-        const CClassRuntime& runtime = m_index->mapped.runtime[object->m_description->index];
-        for (size_t i = 0; i < properties.size(); ++i) {
-            const QmVariant& value = object->m_values[i];
-            if (!value.IsValid() || value.IsNil()) continue;
-            switch (properties[i].kind) {
-                case CPropertyDescription::Kind::Value: {
-                    const int kind = runtime.properties[i].idKind;
-                    if (kind == 0) break;
-                    const std::string text = value.ToString();
-                    if (kind == 1 && !ids.insert(text).second) {
-                        throw CQmValidationException(FormatString("Duplicate ID value [%s]", text.c_str()));
-                    }
-                    if (kind == 2) references.push_back(text);
-                    if (kind == 3) {
-                        std::istringstream items(text);
-                        for (std::string item; items >> item;) references.push_back(item);
-                    }
-                    if (kind == 4) CheckQNamePrefix(text, properties[i].name, document);
-                    break;
-                }
-                case CPropertyDescription::Kind::Object: {
-                    const CSmartPtr<CXmlObjectBase> member = value.GetXmlObject();
-                    if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(member.Get())) {
-                        pending.push_back(dynamic);
-                    }
-                    break;
-                }
-                case CPropertyDescription::Kind::Collection: {
-                    const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
-                    if (runtime.properties[i].idKind == 4) {
-                        if (const auto* values = dynamic_cast<const CXmlTypeCollection*>(held.Get())) {
-                            for (int k = 0; k < values->GetCount(); ++k)
-                                CheckQNamePrefix(values->GetItemAsString(k), properties[i].name, document);
-                        }
-                        break;
-                    }
-                    const auto* collection = dynamic_cast<const CXmlCollection*>(held.Get());
-                    if (collection == nullptr) break;
-                    for (auto* node = collection->GetFirstNode(); node; node = node->GetNext()) {
-                        if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(node->GetItem())) {
-                            pending.push_back(dynamic);
-                        }
-                    }
-                    break;
-                }
-                default: break;
-            }
-        }
-    }
-    for (const std::string& reference : references) {
-        if (ids.count(reference) == 0) {
-            throw CQmValidationException(FormatString("The IDREF value [%s] matches no ID", reference.c_str()));
-        }
-    }
-}
-
-std::vector<std::pair<std::string, std::string>> CDynamicClassSet::ValuePrefixes(
-    const std::map<std::string, std::string>& declared, const CDynamicObject& root) const {
-    std::vector<std::pair<std::string, std::string>> kept;
-    const bool any = std::any_of(declared.begin(), declared.end(),
-                                 [](const auto& d) { return !d.first.empty() && !d.second.empty(); });
-    if (!any) return kept;
-    std::vector<bool> used(declared.size(), false);
-    std::size_t count = 0;
-    // Bound objects and untyped elements, each walked with a stack of its own
-    // (documents nest deeper than recursion would allow); done once every
-    // declared prefix is found.
-    std::vector<const CDynamicObject*> objects{&root};
-    std::vector<CElement*> elements;
-    const auto markAttributes = [&](const CAttributeCol& attributes) {
-        for (const CAttribute* attribute : attributes) count = MarkPrefixes(attribute->GetValue(), declared, used, count);
-    };
-    while ((!objects.empty() || !elements.empty()) && count < declared.size()) {
-        if (!elements.empty()) {
-            CElement* element = elements.back();
-            elements.pop_back();
-            if (element->GetAttributeCount() > 0) markAttributes(element->GetAttributes());
-            count = MarkPrefixes(element->GetText(), declared, used, count);
-            if (element->GetElementCount() > 0) {
-                for (CElement* child : element->GetElements()) elements.push_back(child);
-            }
-            continue;
-        }
-        const CDynamicObject* object = objects.back();
-        objects.pop_back();
-        const auto& properties = object->m_description->properties;
-        for (size_t i = 0; i < properties.size(); ++i) {
-            const QmVariant& value = object->m_values[i];
-            if (!value.IsValid() || value.IsNil()) continue;
-            switch (properties[i].kind) {
-                case CPropertyDescription::Kind::Value:
-                    if (properties[i].itemType == ItemType_string) {
-                        count = MarkPrefixes(value.GetString(), declared, used, count);
-                    }
-                    break;
-                case CPropertyDescription::Kind::Object:
-                case CPropertyDescription::Kind::Element: {
-                    const CSmartPtr<CXmlObjectBase> member = value.GetXmlObject();
-                    if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(member.Get())) {
-                        objects.push_back(dynamic);
-                    } else if (auto* element = dynamic_cast<CElement*>(member.Get())) {
-                        elements.push_back(element);
-                    }
-                    break;
-                }
-                case CPropertyDescription::Kind::Collection: {
-                    const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
-                    if (const auto* strings = dynamic_cast<const CXmlTypeCollection*>(held.Get())) {
-                        if (strings->GetItemType() != ItemType_string) break;
-                        for (std::int32_t k = 0; k < strings->GetCount(); ++k) {
-                            count = MarkPrefixes(strings->GetItemAsString(k), declared, used, count);
-                        }
-                    } else if (const auto* collection = dynamic_cast<const CXmlCollection*>(held.Get())) {
-                        for (auto* node = collection->GetFirstNode(); node; node = node->GetNext()) {
-                            if (const auto* dynamic = dynamic_cast<const CDynamicObject*>(node->GetItem())) {
-                                objects.push_back(dynamic);
-                            } else if (auto* element = dynamic_cast<CElement*>(node->GetItem())) {
-                                elements.push_back(element);
-                            }
-                        }
-                    }
-                    break;
-                }
-                case CPropertyDescription::Kind::Attributes: {
-                    const CSmartPtr<CXmlCollectionBase> held = value.GetXmlCollection();
-                    if (const auto* attributes = dynamic_cast<const CAttributeCol*>(held.Get())) markAttributes(*attributes);
-                    break;
-                }
-            }
-        }
-    }
-    std::size_t index = 0;
-    for (const auto& d : declared) {
-        if (used[index++] && !d.first.empty() && !d.second.empty()) kept.emplace_back(d.first, d.second);
-    }
-    return kept;
 }
 
 CSmartPtr<CDynamicObject> CDynamicClassSet::ReadFile(const std::string& path,

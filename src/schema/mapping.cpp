@@ -642,6 +642,48 @@ private:
 
 void MapSchemaSet(const CSchemaSet& set, const IClassFactory* factory, CMappedSet& out) {
     CMapper(set, factory, out).Run();
+    for (std::size_t i = 0; i < out.classes.size(); ++i) {
+        CClassRuntime& runtime = out.runtime[i];
+        runtime.checks = MemberChecks(*out.classes[i], runtime);
+        runtime.table = Generated::CMemberChecks{runtime.checks.data(), runtime.checks.size()};
+    }
+}
+
+std::vector<Generated::CMemberCheck> MemberChecks(const CClassDescription& description, const CClassRuntime& runtime) {
+    using Check = Generated::CMemberCheck;
+    std::vector<Check> rows;
+    const auto& properties = description.properties;
+    for (std::size_t i = 0; i < properties.size(); ++i) {
+        const CPropertyDescription& p = properties[i];
+        const CPropertyRuntime& r = runtime.properties[i];
+        Check row{static_cast<int>(i), Check::Value, static_cast<Check::IdKind>(r.idKind), false, Check::Skip,
+                  p.name.c_str()};
+        if (p.wildcard != nullptr && p.wildcard->processContents != CWildcard::ProcessContents::Skip) {
+            row.wildcard = p.wildcard->processContents == CWildcard::ProcessContents::Strict ? Check::Strict : Check::Lax;
+        }
+        switch (p.kind) {
+            case CPropertyDescription::Kind::Value:
+                row.text = p.itemType == ItemType_string;
+                if (!row.text && row.idKind == Check::None) continue;
+                break;
+            case CPropertyDescription::Kind::Object: row.shape = Check::Object; break;
+            case CPropertyDescription::Kind::Element: row.shape = Check::Element; break;
+            case CPropertyDescription::Kind::Attributes: row.shape = Check::Attributes; break;
+            case CPropertyDescription::Kind::Collection:
+                if (p.source == CPropertyDescription::Source::Wildcard || (p.classIndex < 0 && p.simpleType == nullptr)) {
+                    row.shape = Check::Elements;
+                } else if (p.classIndex >= 0) {
+                    row.shape = Check::Objects;
+                } else {
+                    row.shape = Check::Values;
+                    row.text = p.itemType == ItemType_string;
+                    if (!row.text && row.idKind == Check::None) continue;
+                }
+                break;
+        }
+        rows.push_back(row);
+    }
+    return rows;
 }
 
 }  // namespace Schema

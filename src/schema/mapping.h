@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "qmxml/core/generated_support.h"
 #include "qmxml/metadata/element_infos.h"
 #include "qmxml/schema/class_description.h"
 #include "qmxml/schema/schema_set.h"
@@ -36,6 +37,10 @@ struct CClassRuntime {
     std::vector<CPropertyRuntime> properties;
     // An inlined choice its parent requires: reading it must select a member.
     bool mandatoryInlineChoice = false;
+    // What the document-wide checks, the wildcard check and the prefix search
+    // walk (MemberChecks); `table` points into `checks`.
+    std::vector<Generated::CMemberCheck> checks;
+    Generated::CMemberChecks table{nullptr, 0};
 };
 
 // An element member whose element may be substituted (substitution group) or
@@ -66,6 +71,11 @@ struct CMappedSet {
 // Maps every global element and named complex type of the set, and
 // everything they reach. The infos use `factory` to make member objects.
 void MapSchemaSet(const CSchemaSet& set, const QmXmlLib10Data::IClassFactory* factory, CMappedSet& out);
+
+// The rows of a class's member checks, in property order (the order the
+// walks visit them, so that the first fault they report is the same for
+// dynamic and generated classes). Names point into the description.
+std::vector<Generated::CMemberCheck> MemberChecks(const CClassDescription& description, const CClassRuntime& runtime);
 
 // The namespace restriction string of the runtime's wildcard infos for the
 // constraint, and the target namespace it is relative to.

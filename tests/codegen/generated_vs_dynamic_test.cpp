@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "checks/checks.h"
 #include "constructs/constructs.h"
 #include "names/names.h"
 #include "orders/orders.h"
@@ -45,6 +46,9 @@ Reader Constructs() {
 }
 Reader Shapes() {
     return [](const std::string& path) { return codegen_shapes::ReadFile(path); };
+}
+Reader Checks() {
+    return [](const std::string& path) { return example_checks::ReadFile(path); };
 }
 Reader Names() {
     return [](const std::string& path) { return class_ns::ReadFile(path); };
@@ -142,6 +146,14 @@ const Case kCases[] = {
      codegen_shapes::ReadBuffer},
     {"BadRootType", "tests/codegen/data/substitution.xsd", "tests/codegen/data/substitution/bad_root_type.xml", Shapes(),
      codegen_shapes::ReadBuffer},
+    {"Checks", "tests/codegen/data/checks.xsd", "tests/codegen/data/checks/valid.xml", Checks(), example_checks::ReadBuffer},
+    {"BadDuplicateId", "tests/codegen/data/checks.xsd", "tests/codegen/data/checks/bad_duplicate_id.xml", Checks(), example_checks::ReadBuffer},
+    {"BadIdref", "tests/codegen/data/checks.xsd", "tests/codegen/data/checks/bad_idref.xml", Checks(), example_checks::ReadBuffer},
+    {"BadQNamePrefix", "tests/codegen/data/checks.xsd", "tests/codegen/data/checks/bad_qname_prefix.xml", Checks(), example_checks::ReadBuffer},
+    {"BadLaxValue", "tests/codegen/data/checks.xsd", "tests/codegen/data/checks/bad_lax_value.xml", Checks(), example_checks::ReadBuffer},
+    {"BadStrictElement", "tests/codegen/data/checks.xsd", "tests/codegen/data/checks/bad_strict_element.xml", Checks(), example_checks::ReadBuffer},
+    {"BadLaxAttribute", "tests/codegen/data/checks.xsd", "tests/codegen/data/checks/bad_lax_attribute.xml", Checks(), example_checks::ReadBuffer},
+    {"BadStrictAttribute", "tests/codegen/data/checks.xsd", "tests/codegen/data/checks/bad_strict_attribute.xml", Checks(), example_checks::ReadBuffer},
 };
 
 INSTANTIATE_TEST_SUITE_P(Instances, GeneratedVsDynamic, ::testing::ValuesIn(kCases),

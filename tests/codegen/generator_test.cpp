@@ -45,6 +45,12 @@ protected:
         std::ofstream(path) << text;
         return path;
     }
+    static std::string ReadText(const std::string& path) {
+        std::ifstream in(path);
+        std::ostringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
     static std::string Schema(const std::string& ns, const std::string& body) {
         return "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='" + ns + "'>" + body +
                "</xs:schema>";
@@ -101,22 +107,21 @@ TEST_F(Generator, NamespaceMapOverridesTheDefault) {
     EXPECT_EQ(malformed.output, "qmxml generate: --namespace-map takes URI=cpp::namespace, not [nothing]\n");
 }
 
-TEST_F(Generator, RefusesWhatGeneratedClassesCannotReproduce) {
-    const std::string ids = Write("i.xsd", Schema("urn:i", "<xs:element name='root'><xs:complexType>"
+TEST_F(Generator, EmitsTheDocumentWideChecksAndCheckedWildcards) {
+    // Once refused; now emitted, with the rows the shared checks walk.
+    const std::string ids = Write("i.xsd", Schema("urn:i", "<xs:element name='root'><xs:complexType><xs:sequence>"
+                                                           "<xs:any processContents='lax'/></xs:sequence>"
                                                            "<xs:attribute name='id' type='xs:ID'/>"
                                                            "</xs:complexType></xs:element>"));
     const ToolRun run = Tool("generate '" + ids + "' -o '" + m_dir + "/out'");
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.output,
-              "The generator cannot emit this schema set yet: members of ID, IDREF or QName types (the "
-              "document-wide ID and prefix checks)\n");
-    EXPECT_NE(access((m_dir + "/out").c_str(), F_OK), 0) << "a refused set wrote files";
-    const std::string lax = Write("l.xsd", Schema("urn:l", "<xs:element name='root'><xs:complexType><xs:sequence>"
-                                                           "<xs:any processContents='lax'/></xs:sequence>"
-                                                           "</xs:complexType></xs:element>"));
-    EXPECT_EQ(Tool("generate '" + lax + "' -o o").output,
-              "The generator cannot emit this schema set yet: the wildcard of class root checks its content "
-              "(processContents strict or lax)\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    const std::string source = ReadText(m_dir + "/out/i_classes.cpp");
+    EXPECT_NE(source.find("{0, Check::Element, Check::None, false, Check::Lax, \"AnyElement\"}"), std::string::npos)
+        << source;
+    EXPECT_NE(source.find("Check::Value, Check::Id, true, Check::Skip, \"id\"}"), std::string::npos) << source;
+    EXPECT_NE(source.find("QmXmlLib10::Generated::CheckWildcardContent(*this, *::i::GlobalDeclarations(), parent, true, ctx);"),
+              std::string::npos);
+    EXPECT_NE(ReadText(m_dir + "/out/i.cpp").find("constexpr bool kCheckIdentifiers = true;"), std::string::npos);
     const ToolRun missing = Tool("generate '" + m_dir + "/none.xsd' -o o");
     EXPECT_EQ(missing.status, 2) << missing.output;
 }

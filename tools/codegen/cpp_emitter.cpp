@@ -341,7 +341,6 @@ public:
 
     std::vector<EmittedFile> Run() {
         MapSchemaSet(m_set, nullptr, m_mapped);
-        CheckSupported();
         NameNamespaces();
         NameClasses();
         for (auto& c : m_classes) BuildMembers(c);
@@ -363,26 +362,6 @@ private:
         const std::size_t dot = base.rfind('.');
         if (dot != std::string::npos && dot > 0) base = base.substr(0, dot);
         return base;
-    }
-
-    [[noreturn]] void Unsupported(const std::string& what) const {
-        throw CQmInvalidParamException("The generator cannot emit this schema set yet: " + what);
-    }
-
-    void CheckSupported() const {
-        if (m_mapped.usesIds)
-            Unsupported("members of ID, IDREF or QName types (the document-wide ID and prefix checks)");
-        for (std::size_t i = 0; i < m_mapped.classes.size(); ++i) {
-            const CClassDescription& d = *m_mapped.classes[i];
-            if (d.hasCheckedWildcards)
-                Unsupported("the wildcard of class " + d.name + " checks its content (processContents strict or lax)");
-            for (std::size_t k = 0; k < d.properties.size(); ++k) {
-                const CPropertyDescription& p = d.properties[k];
-                if (p.kind == CPropertyDescription::Kind::Collection && p.source != CPropertyDescription::Source::Wildcard &&
-                    p.classIndex < 0 && p.simpleType == nullptr)
-                    Unsupported("the repeating element " + p.name + " of type anyType in class " + d.name);
-            }
-        }
     }
 
     // ---------------------------------------------------------------- names
@@ -572,7 +551,7 @@ private:
                     m.access = m.field;
                     break;
                 case CPropertyDescription::Kind::Collection:
-                    if (p.source == CPropertyDescription::Source::Wildcard) {
+                    if (p.source == CPropertyDescription::Source::Wildcard || (p.classIndex < 0 && p.simpleType == nullptr)) {
                         m.type = "QmXmlLib10::CSmartPtr<QmXmlLib10::CElementCol>";
                     } else if (m.r->substitution >= 0) {
                         m.type = "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlFactoryClassCollection>";
@@ -703,10 +682,12 @@ private:
                 }
             }
         }
+        if (!c.r->checks.empty())
+            o << "    const QmXmlLib10::Generated::CMemberChecks* GetMemberChecks() const override;\n";
         o << "\n    static QmXmlLib10Data::CParentElementInfo* s_classInfo;\n"
              "    static QmXmlLib10Data::CElementInfo** s_elementInfo;\n"
              "    static QmXmlLib10Data::CAttributeInfo** s_attributeInfo;\n";
-        if (c.textCheck || c.r->mandatoryInlineChoice) {
+        if (c.textCheck || c.r->mandatoryInlineChoice || c.d->hasCheckedWildcards) {
             o << "\nprotected:\n"
                  "    QmXmlLib10::CXmlElement* FromXml_Int(QmXmlLib10::CXmlElement* parent, QmXmlLib10::CXmlElement* current,\n"
                  "                                         const QmXmlLib10::CXmlSerializationContext& ctx, bool isRoot) override;\n";
@@ -814,6 +795,15 @@ private:
         return o.str();
     }
 
+    static std::string CheckRow(const QmXmlLib10::Generated::CMemberCheck& row) {
+        static const char* const kShapes[] = {"Value", "Values", "Object", "Objects", "Element", "Elements", "Attributes"};
+        static const char* const kIds[] = {"None", "Id", "IdRef", "IdRefs", "QName"};
+        static const char* const kWildcards[] = {"Skip", "Lax", "Strict"};
+        return "{" + std::to_string(row.property) + ", Check::" + kShapes[row.shape] + ", Check::" + kIds[row.idKind] +
+               ", " + (row.text ? "true" : "false") + ", Check::" + kWildcards[row.wildcard] + ", " + Literal(row.name) +
+               "}";
+    }
+
     std::string ClassDefinition(const ClassOut& c) {
         std::ostringstream o;
         const std::string& n = c.name;
@@ -911,6 +901,11 @@ private:
                         o << "    QmXmlLib10::Generated::ResetCollection(" << m.field << ", \"AnyElement\", "
                           << Literal(m.r->restriction) << ", " << Literal(m.r->restrictionNamespace) << ", " << minO
                           << ", " << maxO << ");\n";
+                    } else if (p.classIndex < 0 && p.simpleType == nullptr) {
+                        // Repeating anyType elements: whole elements, while the name is theirs.
+                        o << "    " << m.field << " = new QmXmlLib10::Generated::CNamedElementCol("
+                          << Literal(p.elementName.local) << ", " << Literal(p.elementName.ns) << ", " << minO << ", "
+                          << maxO << ");\n";
                     } else if (m.r->substitution >= 0) {
                         o << "    QmXmlLib10::Generated::ResetCollection(" << m.field << ", ::" << m_setNamespace
                           << "::ClassFactory(), " << p.classIndex << ", " << m.r->substitution << ", false, "
@@ -964,7 +959,15 @@ private:
               << ItemTypeName(p.itemType) << ", " << m.facets << ");\n"
               << "    " << m.field << " = value;\n}\n";
         }
-        if (c.textCheck || c.r->mandatoryInlineChoice) {
+        if (!c.r->checks.empty()) {
+            o << "\nconst QmXmlLib10::Generated::CMemberChecks* " << n << "::GetMemberChecks() const {\n"
+              << "    using Check = QmXmlLib10::Generated::CMemberCheck;\n"
+              << "    static const Check kRows[] = {\n";
+            for (const auto& row : c.r->checks) o << "        " << CheckRow(row) << ",\n";
+            o << "    };\n    static const QmXmlLib10::Generated::CMemberChecks kChecks{kRows, " << c.r->checks.size()
+              << "};\n    return &kChecks;\n}\n";
+        }
+        if (c.textCheck || c.r->mandatoryInlineChoice || c.d->hasCheckedWildcards) {
             o << "\nQmXmlLib10::CXmlElement* " << n
               << "::FromXml_Int(QmXmlLib10::CXmlElement* parent, QmXmlLib10::CXmlElement* current,\n"
                  "                                         const QmXmlLib10::CXmlSerializationContext& ctx, bool isRoot) {\n";
@@ -972,6 +975,10 @@ private:
             // complete only at the element's end.
             o << "    QmXmlLib10::CXmlElement* rest = CXmlGeneratedClass::FromXml_Int(parent, current, ctx, isRoot);\n";
             if (c.textCheck) o << "    QmXmlLib10::Generated::CheckNoTextContent(parent);\n";
+            if (c.d->hasCheckedWildcards)
+                o << "    QmXmlLib10::Generated::CheckWildcardContent(*this, *::" << m_setNamespace
+                  << "::GlobalDeclarations(), parent, " << (c.d->elementType == XmlElementType_Element ? "true" : "false")
+                  << ", ctx);\n";
             if (c.r->mandatoryInlineChoice)
                 o << "    QmXmlLib10::Generated::CheckInlineChoiceRead(*this, " << c.members.size() << ", parent, ctx);\n";
             o << "    return rest;\n}\n";
@@ -986,12 +993,39 @@ private:
             if (c.ns == ns) classes += ClassDefinition(c);
         std::ostringstream o;
         o << Banner() << "#include \"" << m_stem << ".h\"\n\n" << NamespaceOpen(ns) << "\nnamespace {\n\n";
-        for (const std::string& code : m_ruleOrder[ns]) {
-            const std::string& name = m_rules[ns][code];
+        o << RuleConstants(ns);
+        o << "\n}  // namespace\n\n" << classes << NamespaceClose(ns);
+        return o.str();
+    }
+
+    // The facet constants FacetsFor made for one source (key: its C++
+    // namespace, or kSetRules for the set's own source).
+    std::string RuleConstants(const std::string& key) {
+        std::ostringstream o;
+        for (const std::string& code : m_ruleOrder[key]) {
+            const std::string& name = m_rules[key][code];
             o << "const QmXmlLib10::CPrimitiveRestrictions " << name << " = QmXmlLib10::Generated::FacetsWithRule([] {\n"
               << "    QmXmlLib10::CSimpleTypeDescription d;\n" << code << "    return QmXmlLib10::CSimpleTypeRule::Make(d);\n}());\n";
         }
-        o << "\n}  // namespace\n\n" << classes << NamespaceClose(ns);
+        return o.str();
+    }
+    // No C++ namespace is empty.
+    static constexpr const char* kSetRules = "";
+
+    // The global attributes, for the check of what lax and strict attribute
+    // wildcards take.
+    std::string GlobalAttributeRows() {
+        std::ostringstream o;
+        for (const CAttributeDeclaration* attribute : m_set.GetAttributes()) {
+            const auto found = m_mapped.globalAttributes.find({attribute->name.ns, attribute->name.local});
+            if (found == m_mapped.globalAttributes.end()) continue;
+            const CSimpleType* type = attribute->type ? attribute->type : m_set.GetAnySimpleType();
+            const bool fixed = attribute->valueConstraint.kind == CValueConstraint::Fixed;
+            const std::string facets = FacetsFor(kSetRules, type, fixed ? &attribute->valueConstraint : nullptr);
+            o << "    {" << Literal(attribute->name.ns) << ", " << Literal(attribute->name.local) << ", {QmXmlLib10::"
+              << ItemTypeName(found->second.itemType) << ", " << WhitespaceName(found->second.rule) << ", &" << facets
+              << "}},\n";
+        }
         return o.str();
     }
 
@@ -1019,6 +1053,8 @@ private:
              "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlGeneratedClass> ReadBuffer(\n"
              "    const void* data, std::size_t size,\n"
              "    const QmXmlLib10::CXmlSerializationContext& ctx = QmXmlLib10::CXmlSerializationContext());\n\n"
+             "// The set's global declarations, as its lax and strict wildcards check them.\n"
+             "const QmXmlLib10::Generated::IGlobalDeclarations* GlobalDeclarations();\n\n"
              "// Frees every class's metadata; no object of the set may be used afterwards.\n"
              "void CleanMetaData();\n\n";
         o << NamespaceClose(m_setNamespace);
@@ -1091,7 +1127,7 @@ private:
         return rows;
     }
 
-    std::string SetSource() const {
+    std::string SetSource() {
         std::ostringstream o;
         o << Banner() << "#include \"" << m_stem << ".h\"\n\n" << NamespaceOpen(m_setNamespace) << "\n";
         o << "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlObjectBase> CreateObject(int classIndex, const char*) {\n";
@@ -1152,17 +1188,33 @@ private:
             for (const auto& row : rows) o << row;
             o << "};\nconstexpr std::size_t kRootCount = sizeof kRoots / sizeof kRoots[0];\n";
         }
+        const std::string attributeRows = GlobalAttributeRows();
+        o << RuleConstants(kSetRules);
+        if (attributeRows.empty()) {
+            o << "const QmXmlLib10::Generated::CGlobalAttributeRow* const kGlobalAttributes = nullptr;\n"
+                 "constexpr std::size_t kGlobalAttributeCount = 0;\n";
+        } else {
+            o << "const QmXmlLib10::Generated::CGlobalAttributeRow kGlobalAttributes[] = {\n" << attributeRows
+              << "};\nconstexpr std::size_t kGlobalAttributeCount = sizeof kGlobalAttributes / sizeof kGlobalAttributes[0];\n";
+        }
+        o << "constexpr bool kCheckIdentifiers = " << (m_mapped.usesIds ? "true" : "false") << ";\n";
+        o << "const QmXmlLib10::Generated::CGeneratedDeclarations kDeclarations(kRoots, kRootCount, kClassFactory,\n"
+             "                                                                  kGlobalAttributes, kGlobalAttributeCount,\n"
+             "                                                                  kCheckIdentifiers);\n";
         o << "\n}  // namespace\n\n";
         o << "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlGeneratedClass> CreateRootObject(const std::string& ns,\n"
              "                                                                    const std::string& localName) {\n"
              "    return QmXmlLib10::Generated::CreateRootElement(kRoots, kRootCount, kClassFactory, ns, localName);\n}\n\n"
              "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlGeneratedClass> ReadFile(const std::string& path,\n"
              "                                                            const QmXmlLib10::CXmlSerializationContext& ctx) {\n"
-             "    return QmXmlLib10::Generated::ReadRootFile(kRoots, kRootCount, kClassFactory, path, ctx);\n}\n\n"
+             "    return QmXmlLib10::Generated::ReadRootFile(kRoots, kRootCount, kClassFactory, path, ctx,\n"
+             "                                              kCheckIdentifiers);\n}\n\n"
              "QmXmlLib10::CSmartPtr<QmXmlLib10::CXmlGeneratedClass> ReadBuffer(const void* data, std::size_t size,\n"
              "                                                              const QmXmlLib10::CXmlSerializationContext& ctx) {\n"
-             "    return QmXmlLib10::Generated::ReadRootBuffer(kRoots, kRootCount, kClassFactory, data, size, ctx);\n}\n\n";
+             "    return QmXmlLib10::Generated::ReadRootBuffer(kRoots, kRootCount, kClassFactory, data, size, ctx,\n"
+             "                                                kCheckIdentifiers);\n}\n\n";
         o << "const QmXmlLib10Data::IClassFactory* ClassFactory() { return &kClassFactory; }\n\n";
+        o << "const QmXmlLib10::Generated::IGlobalDeclarations* GlobalDeclarations() { return &kDeclarations; }\n\n";
         o << "void CleanMetaData() {\n";
         if (!m_classes.empty()) {
             o << "    QmXmlLib10::Generated::CleanClassMetaData<";

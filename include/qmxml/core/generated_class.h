@@ -4,7 +4,9 @@
 // infos) and CXmlGeneratedClass reads and writes it by walking that metadata.
 #pragma once
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "qmxml/core/object_base.h"
@@ -111,6 +113,10 @@ public:
 // GetTargetNamespace() (the parent info's name and namespace unless
 // overridden) under the context's matching rules; otherwise
 // CQmValidationException "Unexpected root element [%s], expected [%s]".
+namespace Generated {
+struct CMemberChecks;
+}
+
 class CXmlGeneratedClass : public CXmlObjectBase, public INillable {
 public:
     CXmlGeneratedClass() = default;
@@ -134,6 +140,14 @@ public:
     // Whether the two objects are of one class, as xsi:type tells classes
     // apart: by C++ type, unless a class built at run time says otherwise.
     virtual bool HasSameClassAs(const CXmlGeneratedClass& other) const;
+    // The members the document-wide checks and the prefix search walk
+    // (Generated::CMemberCheck); null when the class has none.
+    virtual const Generated::CMemberChecks* GetMemberChecks() const { return nullptr; }
+
+    // Namespace declarations (prefix, URI) written on the object's element
+    // when it is written as a root: the prefixes of the document it was read
+    // from that its values use as QNames, so that they mean what they meant.
+    void SetValuePrefixes(std::vector<std::pair<std::string, std::string>> prefixes);
 
     // The recorded element name when there is one, else the parent info's.
     std::string GetElementName() const override;
@@ -175,6 +189,9 @@ protected:
                      bool asChoiceMember, const char* xsiType) const;
 
 private:
+    // Shared between copies: set once after reading, read when writing.
+    std::shared_ptr<const std::vector<std::pair<std::string, std::string>>> m_valuePrefixes;
+
     void ReadSimpleContent(const CXmlElement* element);
     void WriteSimpleContent(CXmlWriter* writer) const;
 

@@ -23,6 +23,7 @@
 #include <utility>
 
 #include "qmxml/collections/class_collection.h"
+#include "qmxml/collections/element.h"
 #include "qmxml/core/generated_class.h"
 #include "qmxml/core/smart_ptr.h"
 #include "qmxml/metadata/element_infos.h"
@@ -460,6 +461,92 @@ CPrimitiveRestrictions FacetsWithRule(std::shared_ptr<const CValueRule> rule);
 // own text is not whitespace. A null parent (nothing read) passes.
 void CheckNoTextContent(const CXmlElement* parent);
 
+// The repeating elements of one name whose type is xs:anyType: kept whole,
+// like wildcard elements, but only while the name is theirs.
+class CNamedElementCol final : public CElementCol {
+public:
+    CNamedElementCol(const char* name, const char* ns, std::int32_t minOccurs, std::int32_t maxOccurs);
+
+protected:
+    CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
+                             bool isRoot) override;
+
+private:
+    std::string m_namespace;
+};
+
+// What the document-wide checks and the prefix search look at in one member
+// of a bound class (CXmlGeneratedClass::GetMemberChecks). The schema mapping
+// makes the rows once (MemberChecks in the schema layer), for the dynamic
+// classes at run time and for the generator, which emits them as static data;
+// the walks below are the only code that reads them.
+struct CMemberCheck {
+    enum Shape : unsigned char {
+        Value,       // a simple value
+        Values,      // a collection of simple values
+        Object,      // a bound object (class member or inlined group)
+        Objects,     // a collection of bound objects
+        Element,     // an untyped element (CElement)
+        Elements,    // a collection of untyped elements
+        Attributes,  // the attribute wildcard's CAttributeCol
+    };
+    enum IdKind : unsigned char { None, Id, IdRef, IdRefs, QName };
+    enum Wildcard : unsigned char { Skip, Lax, Strict };
+    int property;    // the AccessProperty index
+    Shape shape;
+    IdKind idKind;   // Value: any; Values: None or QName (items are checked one by one)
+    bool text;       // a string value whose tokens may use the document's prefixes as QNames
+    Wildcard wildcard;
+    const char* name;  // the member's name in messages
+};
+struct CMemberChecks {
+    const CMemberCheck* rows;
+    std::size_t count;
+};
+
+// A global attribute declaration, for the check of what an attribute
+// wildcard took.
+struct CGlobalAttribute {
+    ItemType itemType;
+    CWhitespaceUtils::WhitespaceRule rule;
+    const CPrimitiveRestrictions* facets;
+};
+
+// The global declarations of a schema set, as the wildcards of its classes
+// need them: lax and strict wildcards check each element they take against
+// its declaration by reading it as a document of the set.
+class IGlobalDeclarations {
+public:
+    virtual bool DeclaresElement(const std::string& ns, const std::string& localName) const = 0;
+    // Null when no global attribute has the name.
+    virtual const CGlobalAttribute* FindAttribute(const std::string& ns, const std::string& localName) const = 0;
+    // Reads the text as a document of the set (its root element picks the class).
+    virtual void ReadDocument(const std::string& text, const CXmlSerializationContext& ctx) const = 0;
+
+protected:
+    ~IGlobalDeclarations() = default;
+};
+
+// What the strict and lax wildcards of a just-read object took, checked as
+// their processContents asks (strict: declared and valid; lax: valid when
+// declared). Throws CQmValidationException "No global element declaration
+// for the element [%s] of a strict wildcard" (or "... attribute
+// declaration for the attribute [%s] ..."), or what reading the element as
+// a document throws; for an object with an element of its own (ownElement),
+// wrapped in "Failed to process the element [<parent's local name>]". A null
+// parent (nothing read) passes.
+void CheckWildcardContent(const CXmlGeneratedClass& object, const IGlobalDeclarations& declarations,
+                          const CXmlElement* parent, bool ownElement, const CXmlSerializationContext& ctx);
+
+// After a root is read from `document`: remembers the document's prefixes
+// that its string values use as QNames (written again on the root element,
+// CXmlGeneratedClass::SetValuePrefixes) and, when checkIdentifiers, checks
+// the document-wide rules: IDs unique ("Duplicate ID value [%s]"), every
+// IDREF naming one ("The IDREF value [%s] matches no ID"), every QName's
+// prefix declared ("The prefix of the QName [%s] of [%s] is not declared"),
+// all CQmValidationException.
+void FinishRoot(CXmlGeneratedClass& root, const CXmlDocument& document, bool checkIdentifiers);
+
 // CheckChoiceSelected for an inlined choice read through AccessProperty: the
 // choice is selected when one of its first propertyCount members holds a
 // value, an object or a non-empty collection.
@@ -531,12 +618,46 @@ CSmartPtr<CXmlGeneratedClass> CreateRootElement(const CRootElement* roots, std::
 // in no namespace); one the factory refuses (abstract, or an xsi:type naming
 // no type it may take) "The root element [%s] is abstract, or its xsi:type
 // names no type it may take"; every other failure is the runtime's.
+// checkIdentifiers: the set has ID, IDREF or QName members (FinishRoot).
 CSmartPtr<CXmlGeneratedClass> ReadRootFile(const CRootElement* roots, std::size_t count,
                                            const QmXmlLib10Data::IClassFactory& factory, const std::string& path,
-                                           const CXmlSerializationContext& ctx);
+                                           const CXmlSerializationContext& ctx, bool checkIdentifiers = false);
 CSmartPtr<CXmlGeneratedClass> ReadRootBuffer(const CRootElement* roots, std::size_t count,
                                              const QmXmlLib10Data::IClassFactory& factory, const void* data,
-                                             std::size_t size, const CXmlSerializationContext& ctx);
+                                             std::size_t size, const CXmlSerializationContext& ctx,
+                                             bool checkIdentifiers = false);
+
+// The global declarations of a generated set: its root table (every global
+// element) and a table of its global attributes, as the set's source emits them.
+struct CGlobalAttributeRow {
+    const char* ns;
+    const char* localName;
+    CGlobalAttribute attribute;
+};
+class CGeneratedDeclarations final : public IGlobalDeclarations {
+public:
+    CGeneratedDeclarations(const CRootElement* roots, std::size_t rootCount,
+                           const QmXmlLib10Data::IClassFactory& factory, const CGlobalAttributeRow* attributes,
+                           std::size_t attributeCount, bool checkIdentifiers)
+        : m_roots(roots),
+          m_rootCount(rootCount),
+          m_factory(factory),
+          m_attributes(attributes),
+          m_attributeCount(attributeCount),
+          m_checkIdentifiers(checkIdentifiers) {}
+
+    bool DeclaresElement(const std::string& ns, const std::string& localName) const override;
+    const CGlobalAttribute* FindAttribute(const std::string& ns, const std::string& localName) const override;
+    void ReadDocument(const std::string& text, const CXmlSerializationContext& ctx) const override;
+
+private:
+    const CRootElement* m_roots;
+    std::size_t m_rootCount;
+    const QmXmlLib10Data::IClassFactory& m_factory;
+    const CGlobalAttributeRow* m_attributes;
+    std::size_t m_attributeCount;
+    bool m_checkIdentifiers;
+};
 
 // ------------------------------------------------------------------ equality
 

@@ -74,6 +74,7 @@ public:
     std::string GetTypeNamespace() const override;
     bool HasSameClassAs(const CXmlGeneratedClass& other) const override;
     std::string GetTargetNamespace() const override;
+    const Generated::CMemberChecks* GetMemberChecks() const override;
 
 protected:
     CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CXmlSerializationContext& ctx,
@@ -81,7 +82,6 @@ protected:
     // A root read through xsi:type writes it back (members' xsi:type is their info's business).
     void ToXml_Int(CXmlWriter* writer, bool isRoot, const char* elementName, const CXmlSerializationContext& ctx,
                    bool asChoiceMember) const override;
-    void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const override;
 
 private:
     friend class CDynamicClassSet;
@@ -93,11 +93,6 @@ private:
     // several namespaces); unset for members, whose infos name theirs.
     std::string m_rootNamespace;
     bool m_isRoot = false;
-    // A root read from a document: the prefixes that the document declared
-    // and that its values use as QNames (xsi:type, QName-typed values, untyped
-    // content), declared again on the root element when it is written, so
-    // that the values mean what they meant.
-    std::vector<std::pair<std::string, std::string>> m_valuePrefixes;
     // The object's class is not its member's declared one (xsi:type or a
     // substitution picked it): xsi:type is written for it.
     bool m_retyped = false;
@@ -143,16 +138,6 @@ private:
     friend class CDynamicObject;
     CDynamicClassSet() = default;
     CSmartPtr<CDynamicObject> ReadRoot(CXmlDocument& document, const CXmlSerializationContext& ctx) const;
-    // What the wildcards of a read object took, checked as their
-    // processContents asks (strict: declared and valid; lax: valid when declared).
-    void CheckWildcardContent(const CDynamicObject& object, const CXmlSerializationContext& ctx) const;
-    // IDs unique and every IDREF naming one, across the document read, and
-    // every QName's prefix declared in it.
-    void CheckIdentifiers(const CDynamicObject& root, const CXmlDocument& document) const;
-    // The declared prefixes (prefix -> URI) that begin a token of a string
-    // value bound under root, untyped content and wildcard attributes included.
-    std::vector<std::pair<std::string, std::string>> ValuePrefixes(
-        const std::map<std::string, std::string>& declared, const CDynamicObject& root) const;
 
     std::shared_ptr<const CSchemaSet> m_schemas;
     std::vector<std::unique_ptr<CClassDescription>> m_classes;
