@@ -126,6 +126,27 @@ inline void ReleaseNodeCache() {
     malloc_trim(0);
 }
 
+// The best read and write times of one way of binding a document, and the
+// text it wrote last.
+struct ReadWriteTimes {
+    double read = 1e9;
+    double write = 1e9;
+    std::string text;
+};
+
+// One round of a way of binding: `read` returns the bound book (a smart
+// pointer), which is then written as text; the node memory the round kept is
+// handed back before the next way runs.
+template <class Read>
+void TimeReadAndWrite(ReadWriteTimes& times, Read&& read) {
+    {
+        decltype(read()) book;
+        TimeBest(times.read, [&] { book = read(); });
+        TimeBest(times.write, [&] { times.text = book->ToXml(); });
+    }
+    ReleaseNodeCache();
+}
+
 // Sets the resident high-water mark (VmHWM) back to the current VmRSS.
 inline bool ResetPeakResident() {
     std::FILE* clear = std::fopen("/proc/self/clear_refs", "w");

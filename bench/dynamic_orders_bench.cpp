@@ -61,29 +61,22 @@ int main(int argc, char** argv) {
         TimeBest(loadSeconds, [&] { classes = CDynamicClassSet::Create(CSchemaSet::LoadFile(schemaPath)); });
     }
 
-    double handRead = 1e9, dynamicRead = 1e9, handWrite = 1e9, dynamicWrite = 1e9;
-    std::string handText, dynamicText;
+    bench::ReadWriteTimes hand, dynamic;
     for (int run = 0; run < runs; ++run) {
-        {
-            orders::COrders book;
-            TimeBest(handRead, [&] { book.FromXml(text.c_str()); });
-            TimeBest(handWrite, [&] { handText = book.ToXml(); });
-        }
-        bench::ReleaseNodeCache();
-        {
-            CSmartPtr<CDynamicObject> book;
-            TimeBest(dynamicRead, [&] { book = classes->ReadBuffer(text.data(), text.size()); });
-            TimeBest(dynamicWrite, [&] { dynamicText = book->ToXml(); });
-        }
-        bench::ReleaseNodeCache();
+        bench::TimeReadAndWrite(hand, [&] {
+            CSmartPtr<orders::COrders> book = new orders::COrders();
+            book->FromXml(text.c_str());
+            return book;
+        });
+        bench::TimeReadAndWrite(dynamic, [&] { return classes->ReadBuffer(text.data(), text.size()); });
     }
     const double mb = static_cast<double>(text.size()) / 1e6;
     std::printf("order book: %.1f MB, best of %d runs by turns\n", mb, runs);
     std::printf("read   hand-written %.3f s (%.1f MB/s)  dynamic %.3f s (%.1f MB/s)  dynamic/hand-written %.2fx\n",
-                handRead, mb / handRead, dynamicRead, mb / dynamicRead, dynamicRead / handRead);
+                hand.read, mb / hand.read, dynamic.read, mb / dynamic.read, dynamic.read / hand.read);
     std::printf("write  hand-written %.3f s (%.1f MB/s)  dynamic %.3f s (%.1f MB/s)  dynamic/hand-written %.2fx\n",
-                handWrite, mb / handWrite, dynamicWrite, mb / dynamicWrite, dynamicWrite / handWrite);
-    std::printf("written text identical: %s\n", handText == dynamicText ? "yes" : "NO");
+                hand.write, mb / hand.write, dynamic.write, mb / dynamic.write, dynamic.write / hand.write);
+    std::printf("written text identical: %s\n", hand.text == dynamic.text ? "yes" : "NO");
     std::printf("orders.xsd: schema loaded and %zu classes built in %.2f ms\n", classes->GetClasses().size(),
                 loadSeconds * 1e3);
 
@@ -101,5 +94,5 @@ int main(int argc, char** argv) {
     std::printf("synthetic schema (%.1f MB, 2000 complex + 1000 simple types): loaded in %.1f ms, %zu classes "
                 "built in %.1f ms\n",
                 static_cast<double>(big.size()) / 1e6, bigLoad * 1e3, bigClasses, bigMap * 1e3);
-    return handText == dynamicText ? 0 : 1;
+    return hand.text == dynamic.text ? 0 : 1;
 }

@@ -29,38 +29,26 @@ int main(int argc, char** argv) {
         return 1;
     }
     const auto classes = CDynamicClassSet::Create(CSchemaSet::LoadFile(std::string(QMXML_BENCH_DIR) + "/orders.xsd"));
-    double handRead = 1e9, generatedRead = 1e9, dynamicRead = 1e9;
-    double handWrite = 1e9, generatedWrite = 1e9, dynamicWrite = 1e9;
-    std::string handText, generatedText, dynamicText;
+    bench::ReadWriteTimes hand, generated, dynamic;
     for (int run = 0; run < runs; ++run) {
-        {
-            orders::COrders book;
-            TimeBest(handRead, [&] { book.FromXml(text.c_str()); });
-            TimeBest(handWrite, [&] { handText = book.ToXml(); });
-        }
-        bench::ReleaseNodeCache();
-        {
-            CSmartPtr<CXmlGeneratedClass> book;
-            TimeBest(generatedRead, [&] { book = generated_orders::ReadBuffer(text.data(), text.size()); });
-            TimeBest(generatedWrite, [&] { generatedText = book->ToXml(); });
-        }
-        bench::ReleaseNodeCache();
-        {
-            CSmartPtr<CDynamicObject> book;
-            TimeBest(dynamicRead, [&] { book = classes->ReadBuffer(text.data(), text.size()); });
-            TimeBest(dynamicWrite, [&] { dynamicText = book->ToXml(); });
-        }
-        bench::ReleaseNodeCache();
+        bench::TimeReadAndWrite(hand, [&] {
+            CSmartPtr<orders::COrders> book = new orders::COrders();
+            book->FromXml(text.c_str());
+            return book;
+        });
+        bench::TimeReadAndWrite(generated, [&] { return generated_orders::ReadBuffer(text.data(), text.size()); });
+        bench::TimeReadAndWrite(dynamic, [&] { return classes->ReadBuffer(text.data(), text.size()); });
     }
     const double mb = static_cast<double>(text.size()) / 1e6;
     std::printf("order book: %.1f MB, best of %d runs by turns\n", mb, runs);
     std::printf("read   hand-written %.3f s  generated %.3f s  dynamic %.3f s  generated/hand-written %.2fx  "
                 "dynamic/generated %.2fx\n",
-                handRead, generatedRead, dynamicRead, generatedRead / handRead, dynamicRead / generatedRead);
+                hand.read, generated.read, dynamic.read, generated.read / hand.read, dynamic.read / generated.read);
     std::printf("write  hand-written %.3f s  generated %.3f s  dynamic %.3f s  generated/hand-written %.2fx  "
                 "dynamic/generated %.2fx\n",
-                handWrite, generatedWrite, dynamicWrite, generatedWrite / handWrite, dynamicWrite / generatedWrite);
-    const bool same = handText == generatedText && generatedText == dynamicText;
+                hand.write, generated.write, dynamic.write, generated.write / hand.write,
+                dynamic.write / generated.write);
+    const bool same = hand.text == generated.text && generated.text == dynamic.text;
     std::printf("written text identical: %s\n", same ? "yes" : "NO");
     return same ? 0 : 1;
 }
