@@ -8,6 +8,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "dom/xml_document_loading.h"
 #include "qmxml/core/exception.h"
 #include "qmxml/core/serialization_context.h"
 #include "qmxml/collections/primitive_collections.h"
@@ -267,9 +268,14 @@ CSmartPtr<CXmlGeneratedClass> CreateRootElement(const CRootElement* roots, std::
 CSmartPtr<CXmlGeneratedClass> ReadRootFile(const CRootElement* roots, std::size_t count,
                                            const QmXmlLib10Data::IClassFactory& factory, const std::string& path,
                                            const CXmlSerializationContext& ctx, bool checkIdentifiers) {
+    // Bound while the parser reads, as the dynamic classes' ReadFile is.
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.Load(path.c_str());
-    return BindRoot(roots, count, factory, document, ctx, checkIdentifiers);
+    CSmartPtr<CXmlGeneratedClass> object;
+    CXmlDocumentLoading::Bind(document,
+                              [&] { object = BindRoot(roots, count, factory, document, ctx, checkIdentifiers); });
+    return object;
 }
 
 CSmartPtr<CXmlGeneratedClass> ReadRootBuffer(const CRootElement* roots, std::size_t count,
@@ -279,8 +285,12 @@ CSmartPtr<CXmlGeneratedClass> ReadRootBuffer(const CRootElement* roots, std::siz
     if (size > 0xffffffffu) throw CQmInvalidParamException("The document is larger than 4 GiB");
     std::string copy(static_cast<const char*>(data), size);
     CXmlDocument document(ctx);
+    CXmlDocumentLoading::RequestStreaming(document);
     document.LoadXmlStream(reinterpret_cast<unsigned char*>(&copy[0]), static_cast<std::uint32_t>(copy.size()));
-    return BindRoot(roots, count, factory, document, ctx, checkIdentifiers);
+    CSmartPtr<CXmlGeneratedClass> object;
+    CXmlDocumentLoading::Bind(document,
+                              [&] { object = BindRoot(roots, count, factory, document, ctx, checkIdentifiers); });
+    return object;
 }
 
 // ------------------------------------------------------------------ document-wide checks
@@ -616,17 +626,20 @@ int EnumerationFromString(const char* text, const char* const* texts, int count,
 CSmartPtr<CXmlObjectBase> CreateByElementOrType(const CXmlElement* element, const CClassByName* classes,
                                                 std::size_t count) {
     if (element == nullptr) return nullptr;
+    const std::string& name = element->GetLocalName();
+    const CClassByName* own = nullptr;
+    for (std::size_t i = 0; i < count && own == nullptr; ++i) {
+        if (classes[i].elementName != nullptr && name == classes[i].elementName) own = &classes[i];
+    }
+    if (own == nullptr) return nullptr;
     if (CClassfactoryBase::HasTypeAttribute(element)) {
         const std::string type = CClassfactoryBase::GetTypeLocalName(element);
         for (std::size_t i = 0; i < count; ++i) {
-            if (classes[i].typeName != nullptr && type == classes[i].typeName) return classes[i].create();
+            if (classes[i].typeName != nullptr && type == classes[i].typeName && classes[i].create != nullptr)
+                return classes[i].create();
         }
     }
-    const std::string& name = element->GetLocalName();
-    for (std::size_t i = 0; i < count; ++i) {
-        if (classes[i].elementName != nullptr && name == classes[i].elementName) return classes[i].create();
-    }
-    return nullptr;
+    return own->create != nullptr ? own->create() : nullptr;
 }
 
 }  // namespace Generated

@@ -560,6 +560,7 @@ inline CSmartPtr<CXmlObjectBase> CreateObject(int classIndex, const char*) {
 
 inline CSmartPtr<CXmlObjectBase> ZooFactory::CreateAnimal(CXmlElement* element) {
     static const Generated::CClassByName kAnimals[] = {
+        {"Animal", nullptr, nullptr},  // the abstract head: only with an xsi:type
         {"Dog", "DogType", Generated::CreateNew<Dog>},
         {"Cat", "CatType", Generated::CreateNew<Cat>},
         {"Puppy", "PuppyType", Generated::CreateNew<Puppy>},

@@ -406,8 +406,9 @@ TEST(GeneratedFactories, ByIndexCreatesTheListedClassOrNothing) {
     EXPECT_FALSE(create(-1));
 }
 
-TEST(GeneratedFactories, TypeAttributeWinsOverTheElementName) {
+TEST(GeneratedFactories, TypeAttributeWinsOverTheElementNameOfTheGroup) {
     static const CClassByName kClasses[] = {
+        {"Head", nullptr, nullptr},
         {"Base", "BaseType", CreateNew<Probe>},
         {"Other", "OtherType", CreateNew<OtherProbe>},
         {nullptr, "HiddenType", CreateNew<OtherProbe>},
@@ -416,7 +417,7 @@ TEST(GeneratedFactories, TypeAttributeWinsOverTheElementName) {
     document.LoadXml(
         "<r xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xmlns:t='urn:t'>"
         "<Base/><Other/><Base xsi:type='t:OtherType'/><Head xsi:type='HiddenType'/>"
-        "<Other xsi:type='t:Unknown'/><Head/></r>");
+        "<Other xsi:type='t:Unknown'/><Head/><Stray xsi:type='OtherType'/></r>");
     CXmlElement* e = document.GetDocumentElement()->GetFirstElement();
     auto kind = [&](CXmlElement* element) -> std::string {
         const CSmartPtr<CXmlObjectBase> made = CreateByElementOrType(element, kClasses);
@@ -433,7 +434,9 @@ TEST(GeneratedFactories, TypeAttributeWinsOverTheElementName) {
     e = e->GetNextSiblingElement();
     EXPECT_EQ(kind(e), "other");  // an unknown type falls back to the element name
     e = e->GetNextSiblingElement();
-    EXPECT_EQ(kind(e), "none");
+    EXPECT_EQ(kind(e), "none");  // the abstract head needs an xsi:type
+    e = e->GetNextSiblingElement();
+    EXPECT_EQ(kind(e), "none");  // a known type does not let a name outside the group in
     EXPECT_EQ(kind(nullptr), "none");
 }
 

@@ -351,6 +351,7 @@ inline CSmartPtr<CXmlObjectBase> CreateObject(int classIndex, const char*) {
 // By element name (substitution group) or by xsi:type on the head element.
 inline CSmartPtr<CXmlObjectBase> CreateShape(CXmlElement* element) {
     static const CClassByName kShapes[] = {
+        {"Shape", nullptr, nullptr},  // the abstract head: only with an xsi:type
         {"Circle", "CircleType", CreateNew<Circle>},
         {"Square", "SquareType", CreateNew<Square>},
     };

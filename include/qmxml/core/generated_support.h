@@ -772,19 +772,24 @@ CSmartPtr<CXmlObjectBase> CreateByIndex(int classIndex) {
     return kCreate[classIndex]();
 }
 
-// One class an abstract-class factory may create: the element name of its
-// substitution-group member (null when it has none) and its schema type name
-// (the local name xsi:type gives; null when it has none).
+// One row of an abstract-class factory's table: an element name of the
+// substitution group (null for a row that only names a type), the schema type
+// name xsi:type gives (null when none) and the class (null for an abstract
+// head, which only an xsi:type naming another row's type can stand for).
 struct CClassByName {
     const char* elementName;
     const char* typeName;
     CSmartPtr<CXmlObjectBase> (*create)();
 };
 
-// The abstract-class factory (CXmlAbstractClassCollection's Factory): an
-// element's xsi:type, when it names a type of the table, picks the class, as
-// XML Schema lets xsi:type override the element's own type; otherwise the
-// element's local name does. Null when neither matches.
+// The abstract-class factory (CXmlAbstractClassCollection's Factory). The
+// element's local name must be one of the table's: xsi:type picks the class
+// of an element of the group, it does not let any element in (one that did
+// could not be written back, since its name would not tell a reader its
+// class). An xsi:type that names a type of the table then picks that class,
+// as XML Schema lets xsi:type override the element's own type; otherwise the
+// element's own row does. Null when the name is not in the table, or when
+// its row has no class and no xsi:type picks one.
 CSmartPtr<CXmlObjectBase> CreateByElementOrType(const CXmlElement* element, const CClassByName* classes,
                                                 std::size_t count);
 template <std::size_t N>
